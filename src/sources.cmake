@@ -1,0 +1,4 @@
+list(APPEND ZML_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/zelmodemslib.cpp)
+list(APPEND ZML_PUBLIC_HEADERS
+    ${CMAKE_CURRENT_LIST_DIR}/zelmodemslib.h)

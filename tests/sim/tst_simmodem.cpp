@@ -1,0 +1,137 @@
+// The simulator must behave like a serial modem to a real QSerialPort:
+// line settings accepted, echo, answers, line speeds read back, faults.
+#include "simmodem.h"
+
+#include <QElapsedTimer>
+#include <QSerialPort>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace modemsim;
+
+class TestSimModem : public QObject
+{
+    Q_OBJECT
+
+private:
+    static bool openPort(QSerialPort& port, const QString& path, qint32 baud)
+    {
+        port.setPortName(path);
+        if (!port.open(QIODevice::ReadWrite))
+            return false;
+        return port.setBaudRate(baud) && port.setDataBits(QSerialPort::Data8)
+            && port.setParity(QSerialPort::NoParity) && port.setStopBits(QSerialPort::OneStop)
+            && port.setFlowControl(QSerialPort::HardwareControl);
+    }
+
+    // Reads until `until` appears or the time runs out.
+    static QByteArray exchange(QSerialPort& port, const QByteArray& out, const QByteArray& until, int ms = 2000)
+    {
+        port.write(out);
+        port.waitForBytesWritten(100);
+        QByteArray in;
+        QElapsedTimer t;
+        t.start();
+        while (!in.contains(until) && t.elapsed() < ms) {
+            if (port.waitForReadyRead(20) || port.bytesAvailable())
+                in += port.readAll();
+        }
+        return in;
+    }
+
+private slots:
+    void answersWithEchoAndResultCode()
+    {
+        SimModem modem(Make::Huawei);
+        QVERIFY(modem.start());
+        QSerialPort port;
+        QVERIFY2(openPort(port, modem.devicePath(), 115200), qPrintable(port.errorString()));
+        QCOMPARE(exchange(port, "AT+CSQ\r", "OK\r\n"), QByteArray("AT+CSQ\r\r\n+CSQ: 20,99\r\n\r\nOK\r\n"));
+        QCOMPARE(exchange(port, "ATE0\r", "OK\r\n"), QByteArray("ATE0\r\r\nOK\r\n"));
+        QCOMPARE(exchange(port, "AT+NOSUCH\r", "ERROR\r\n"), QByteArray("\r\nERROR\r\n"));
+        QCOMPARE(modem.commands(), (QList<QByteArray>{"+CSQ", "E0", "+NOSUCH"}));
+    }
+
+    void readsTheClientsLineSpeed_data()
+    {
+        QTest::addColumn<qint32>("speed");
+        QTest::newRow("2400") << 2400;
+        QTest::newRow("115200") << 115200;
+        QTest::newRow("921600") << 921600;
+        QTest::newRow("custom 250000") << 250000;
+    }
+
+    void readsTheClientsLineSpeed()
+    {
+        QFETCH(qint32, speed);
+        SimModem modem(Make::SimCom);
+        QVERIFY(modem.start());
+        QSerialPort port;
+        QVERIFY(openPort(port, modem.devicePath(), speed));
+        QCOMPARE(modem.lineSpeed(), speed);
+        exchange(port, "AT\r", "OK\r\n");
+        QCOMPARE(modem.log().value(0).lineSpeed, speed);
+    }
+
+    void answersOnlyAtAcceptedSpeeds()
+    {
+        SimModem modem(Make::Zte);
+        QVERIFY(modem.start());
+        modem.setAcceptedLineSpeeds({9600});
+        QSerialPort port;
+        QVERIFY(openPort(port, modem.devicePath(), 115200));
+        QVERIFY(exchange(port, "AT\r", "OK", 300).isEmpty());
+        QVERIFY(port.setBaudRate(9600));
+        QVERIFY(exchange(port, "AT\r", "OK").endsWith("OK\r\n"));
+    }
+
+    void faultsAndLinks()
+    {
+        QTemporaryDir dir;
+        SimModem modem(Make::Cinterion);
+        QVERIFY(modem.start());
+        const QString link = dir.filePath(QStringLiteral("ttyUSB0"));
+        QVERIFY(modem.createLink(link));
+        QCOMPARE(modem.devicePath(), link);
+        modem.setFault("+CSQ", Fault::NoCarrier);
+        modem.setFault("+COPS?", Fault::Silence);
+        modem.setEcho(false);
+        QSerialPort port;
+        QVERIFY(openPort(port, link, 9600));
+        QCOMPARE(exchange(port, "AT+CSQ\r", "CARRIER\r\n"), QByteArray("\r\nNO CARRIER\r\n"));
+        QVERIFY(exchange(port, "AT+COPS?\r", "OK", 200).isEmpty());
+        modem.setFault("+CSQ", Fault::SplitBytes, 2);
+        QCOMPARE(exchange(port, "AT+CSQ\r", "OK\r\n"), QByteArray("\r\n+CSQ: 20,99\r\n\r\nOK\r\n"));
+        modem.vanish();
+        QVERIFY(modem.hasVanished());
+        QVERIFY(!QFile::exists(link));
+        port.write("AT\r");
+        QElapsedTimer t;
+        t.start();
+        // A pulled USB modem reads ENODEV (ResourceError); a pty whose master
+        // is gone reads EIO (ReadError). Either must come, and soon.
+        auto gone = [&] { return port.error() == QSerialPort::ResourceError || port.error() == QSerialPort::ReadError; };
+        while (!gone() && t.elapsed() < 1000) {
+            port.clearError();
+            port.waitForReadyRead(10);
+        }
+        QVERIFY2(gone(), qPrintable(port.errorString()));
+    }
+
+    void textModeSmsPrompt()
+    {
+        SimModem modem(Make::Huawei);
+        QVERIFY(modem.start());
+        modem.setEcho(false);
+        QSerialPort port;
+        QVERIFY(openPort(port, modem.devicePath(), 115200));
+        exchange(port, "AT+CMGF=1\r", "OK\r\n");
+        QCOMPARE(exchange(port, "AT+CMGS=+79121234567\r", "> "), QByteArray("\r\n> "));
+        QCOMPARE(exchange(port, "hello\x1a", "OK\r\n"), QByteArray("\r\n+CMGS: 1\r\n\r\nOK\r\n"));
+        QCOMPARE(modem.sentMessages().value(0).first, QByteArray("+79121234567"));
+        QCOMPARE(modem.sentMessages().value(0).second, QByteArray("hello"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSimModem)
+#include "tst_simmodem.moc"

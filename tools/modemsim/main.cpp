@@ -1,0 +1,124 @@
+// modemsim: simulated modems on pseudo-terminals, for developing and
+// trying out programs that use the modems library without hardware.
+#include "simmodem.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QTextStream>
+
+#include <csignal>
+#include <memory>
+#include <vector>
+
+#include <signal.h>
+
+using namespace modemsim;
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("modemsim"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Starts simulated modems on pseudo-terminals, prints the device path of each "
+        "(one line per modem: make, path) and answers AT commands until interrupted.\n"
+        "Makes: ") + Profile::makeNames().join(QStringLiteral(", ")));
+    parser.addHelpOption();
+    QCommandLineOption makeOpt(QStringList{QStringLiteral("m"), QStringLiteral("make")},
+        QStringLiteral("Make of the next modem; repeat for several modems (default huawei)."),
+        QStringLiteral("make"));
+    QCommandLineOption countOpt(QStringList{QStringLiteral("n"), QStringLiteral("count")},
+        QStringLiteral("Number of modems when no make is given, or copies of each given make."),
+        QStringLiteral("n"), QStringLiteral("1"));
+    QCommandLineOption linkOpt(QStringLiteral("link-dir"),
+        QStringLiteral("Make symbolic links ttySIM0, ttySIM1, ... to the devices in this folder."),
+        QStringLiteral("dir"));
+    QCommandLineOption imsiOpt(QStringLiteral("imsi"),
+        QStringLiteral("IMSI of every SIM (the first five digits choose the operator)."),
+        QStringLiteral("imsi"));
+    QCommandLineOption noEchoOpt(QStringLiteral("no-echo"), QStringLiteral("Start with echo off."));
+    QCommandLineOption latencyOpt(QStringLiteral("latency"),
+        QStringLiteral("Pause before every answer, in milliseconds."), QStringLiteral("ms"), QStringLiteral("0"));
+    QCommandLineOption logOpt(QStringLiteral("log"),
+        QStringLiteral("Print the commands each modem received when stopping."));
+    parser.addOptions({makeOpt, countOpt, linkOpt, imsiOpt, noEchoOpt, latencyOpt, logOpt});
+    parser.process(app);
+
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+
+    QList<Make> makes;
+    for (const QString& name : parser.values(makeOpt)) {
+        Make make;
+        if (!Profile::parseMake(name, &make)) {
+            err << "modemsim: unknown make " << name << "; choose from "
+                << Profile::makeNames().join(QStringLiteral(", ")) << '\n';
+            return 2;
+        }
+        makes << make;
+    }
+    if (makes.isEmpty())
+        makes << Make::Huawei;
+    bool countOk = false;
+    const int copies = parser.value(countOpt).toInt(&countOk);
+    if (!countOk || copies < 1 || copies > 1000) {
+        err << "modemsim: --count takes a number from 1 to 1000\n";
+        return 2;
+    }
+
+    // Signals are taken synchronously below; block them before the modems'
+    // threads start so that those threads inherit the mask.
+    sigset_t stopSignals;
+    sigemptyset(&stopSignals);
+    sigaddset(&stopSignals, SIGINT);
+    sigaddset(&stopSignals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+
+    std::vector<std::unique_ptr<SimModem>> modems;
+    const QString linkDir = parser.value(linkOpt);
+    if (!linkDir.isEmpty() && !QDir().mkpath(linkDir)) {
+        err << "modemsim: cannot create " << linkDir << '\n';
+        return 1;
+    }
+    int index = 0;
+    for (Make make : qAsConst(makes)) {
+        for (int i = 0; i < copies; ++i, ++index) {
+            Profile profile = Profile::forMake(make);
+            if (parser.isSet(imsiOpt))
+                profile.imsi = parser.value(imsiOpt).toLatin1();
+            if (parser.isSet(noEchoOpt))
+                profile.echo = false;
+            // Distinct IMEIs, so that each modem is a modem of its own.
+            if (!profile.imei.isEmpty() && index > 0) {
+                const QByteArray suffix = QByteArray::number(index);
+                profile.imei = profile.imei.left(profile.imei.size() - suffix.size()) + suffix;
+            }
+            auto modem = std::make_unique<SimModem>(profile);
+            QString error;
+            if (!modem->start(&error)) {
+                err << "modemsim: " << error << '\n';
+                return 1;
+            }
+            modem->setLatency(parser.value(latencyOpt).toInt());
+            if (!linkDir.isEmpty())
+                modem->createLink(QDir(linkDir).filePath(QStringLiteral("ttySIM%1").arg(index)));
+            out << Profile::makeName(make) << '\t' << modem->devicePath() << Qt::endl;
+            modems.push_back(std::move(modem));
+        }
+    }
+
+    int sig = 0;
+    sigwait(&stopSignals, &sig);
+
+    if (parser.isSet(logOpt)) {
+        for (const auto& modem : modems) {
+            out << modem->devicePath() << ":\n";
+            for (const CommandRecord& r : modem->log())
+                out << "  " << r.elapsedMs << " ms\t" << r.lineSpeed << "\tAT" << r.command << '\n';
+        }
+    }
+    modems.clear();
+    return 0;
+}

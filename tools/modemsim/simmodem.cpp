@@ -1,0 +1,683 @@
+#include "simmodem.h"
+#include "ptyspeed.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+#include <errno.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace modemsim {
+
+Reply Reply::ok(const QByteArray& body)
+{
+    Reply r;
+    r.bytes = body.isEmpty() ? QByteArray("\r\nOK\r\n") : "\r\n" + body + "\r\n\r\nOK\r\n";
+    return r;
+}
+
+Reply Reply::error()
+{
+    return raw("\r\nERROR\r\n");
+}
+
+Reply Reply::noCarrier()
+{
+    return raw("\r\nNO CARRIER\r\n");
+}
+
+Reply Reply::raw(const QByteArray& bytes)
+{
+    Reply r;
+    r.bytes = bytes;
+    return r;
+}
+
+struct FaultEntry
+{
+    Fault fault = Fault::None;
+    int param = 1;
+};
+
+struct SimModem::Private
+{
+    Profile profile;
+
+    mutable std::mutex mutex;            // guards everything below up to the thread state
+    bool echo = true;
+    QMap<QByteArray, Reply> replies;     // keyed by upper-case command
+    QList<Handler> handlers;
+    QMap<QByteArray, FaultEntry> faults; // keyed by upper-case command, "" = all
+    int latencyMs = 0;
+    int byteDelayMs = 0;
+    QList<qint32> acceptedSpeeds;
+    bool silent = false;
+    int restartMs = 0;
+    QList<CommandRecord> log;
+    QList<QPair<QByteArray, QByteArray>> sent;
+    QString linkPath;
+    QString ptyPath;
+    bool vanished = false;
+    int textMode = 0;                    // AT+CMGF
+
+    // Owned by the modem's thread.
+    int master = -1;
+    int slave = -1;                      // held open: a pty master reads EIO while no slave is open
+    int wake[2] = {-1, -1};
+    std::thread thread;
+    std::atomic<bool> stopping{false};
+    QByteArray line;
+    bool smsPrompt = false;
+    QByteArray smsNumber;
+    QByteArray smsText;
+    qint64 deafUntil = 0;
+    QElapsedTimer clock;
+
+    std::mutex taskMutex;
+    std::deque<std::function<void()>> tasks;
+
+    void run();
+    void feed(const QByteArray& data);
+    void processLine(QByteArray line);
+    void processRaw(const QByteArray& raw);
+    std::optional<Reply> answer(const QByteArray& command, bool* vanish);
+    Reply builtin(const QByteArray& command);
+    void write(const QByteArray& bytes, int byteDelay);
+    void send(const Reply& reply);
+    void record(const QByteArray& command);
+    void closeDevice();
+    void post(std::function<void()> task);
+    void runSync(std::function<void()> task);
+    qint32 speed() const { return slave >= 0 ? readLineSpeed(slave) : 0; }
+};
+
+static QByteArray upper(const QByteArray& s)
+{
+    return s.toUpper();
+}
+
+SimModem::SimModem(const Profile& profile) : d(new Private)
+{
+    d->profile = profile;
+    d->echo = profile.echo;
+    for (auto it = profile.answers.cbegin(); it != profile.answers.cend(); ++it)
+        d->replies.insert(upper(it.key()), Reply::ok(it.value()));
+}
+
+SimModem::SimModem(Make make) : SimModem(Profile::forMake(make))
+{
+}
+
+SimModem::~SimModem()
+{
+    stop();
+}
+
+bool SimModem::start(QString* error)
+{
+    auto fail = [&](const char* what) {
+        if (error)
+            *error = QStringLiteral("%1: %2").arg(QLatin1String(what), QString::fromLocal8Bit(strerror(errno)));
+        d->closeDevice();
+        return false;
+    };
+    if (d->thread.joinable())
+        return true;
+    d->master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (d->master < 0)
+        return fail("posix_openpt");
+    if (::grantpt(d->master) != 0 || ::unlockpt(d->master) != 0)
+        return fail("grantpt");
+    char name[128];
+    if (::ptsname_r(d->master, name, sizeof name) != 0)
+        return fail("ptsname");
+    d->slave = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (d->slave < 0)
+        return fail("open slave");
+    struct termios tio;
+    if (::tcgetattr(d->slave, &tio) == 0) {
+        ::cfmakeraw(&tio);
+        ::tcsetattr(d->slave, TCSANOW, &tio);
+    }
+    ::fcntl(d->master, F_SETFL, ::fcntl(d->master, F_GETFL) | O_NONBLOCK);
+    if (::pipe2(d->wake, O_CLOEXEC | O_NONBLOCK) != 0)
+        return fail("pipe");
+    {
+        std::lock_guard<std::mutex> lock(d->mutex);
+        d->ptyPath = QString::fromLocal8Bit(name);
+        d->vanished = false;
+    }
+    d->clock.start();
+    d->stopping = false;
+    d->thread = std::thread([this] { d->run(); });
+    return true;
+}
+
+void SimModem::stop()
+{
+    if (d->thread.joinable()) {
+        d->stopping = true;
+        const char c = 'q';
+        (void)!::write(d->wake[1], &c, 1);
+        d->thread.join();
+    }
+    d->closeDevice();
+    for (int& fd : d->wake) {
+        if (fd >= 0)
+            ::close(fd);
+        fd = -1;
+    }
+}
+
+void SimModem::Private::closeDevice()
+{
+    QString link;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (master >= 0 || slave >= 0)
+            vanished = true;
+        link = linkPath;
+    }
+    if (master >= 0)
+        ::close(master);
+    if (slave >= 0)
+        ::close(slave);
+    master = slave = -1;
+    if (!link.isEmpty())
+        QFile::remove(link);
+}
+
+QString SimModem::devicePath() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->linkPath.isEmpty() ? d->ptyPath : d->linkPath;
+}
+
+QString SimModem::ptyPath() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->ptyPath;
+}
+
+bool SimModem::createLink(const QString& linkPath)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    if (d->ptyPath.isEmpty())
+        return false;
+    QFile::remove(linkPath);
+    if (::symlink(QFile::encodeName(d->ptyPath).constData(), QFile::encodeName(linkPath).constData()) != 0)
+        return false;
+    d->linkPath = linkPath;
+    return true;
+}
+
+void SimModem::vanish()
+{
+    if (!d->thread.joinable())
+        return;
+    d->runSync([this] { d->closeDevice(); });
+}
+
+bool SimModem::hasVanished() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->vanished;
+}
+
+const Profile& SimModem::profile() const
+{
+    return d->profile;
+}
+
+void SimModem::setImei(const QByteArray& imei)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->profile.imei = imei;
+}
+
+void SimModem::setImsi(const QByteArray& imsi)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->profile.imsi = imsi;
+}
+
+void SimModem::setEcho(bool on)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->echo = on;
+}
+
+bool SimModem::echo() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->echo;
+}
+
+void SimModem::setAnswer(const QByteArray& command, const QByteArray& body)
+{
+    setReply(command, Reply::ok(body));
+}
+
+void SimModem::setReply(const QByteArray& command, const Reply& reply)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->replies.insert(upper(command), reply);
+}
+
+void SimModem::removeAnswer(const QByteArray& command)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->replies.remove(upper(command));
+}
+
+void SimModem::addHandler(const Handler& handler)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->handlers.prepend(handler);
+}
+
+void SimModem::setFault(const QByteArray& command, Fault fault, int param)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    if (fault == Fault::None)
+        d->faults.remove(upper(command));
+    else
+        d->faults.insert(upper(command), FaultEntry{fault, param});
+}
+
+void SimModem::clearFaults()
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->faults.clear();
+}
+
+void SimModem::setLatency(int ms)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->latencyMs = ms;
+}
+
+void SimModem::setByteDelay(int ms)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->byteDelayMs = ms;
+}
+
+void SimModem::setAcceptedLineSpeeds(const QList<qint32>& speeds)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->acceptedSpeeds = speeds;
+}
+
+void SimModem::setSilent(bool silent)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->silent = silent;
+}
+
+void SimModem::setRestartTime(int ms)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->restartMs = ms;
+}
+
+void SimModem::sendUnsolicited(const QByteArray& bytes)
+{
+    d->post([this, bytes] { d->write(bytes, 0); });
+}
+
+QList<CommandRecord> SimModem::log() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->log;
+}
+
+QList<QByteArray> SimModem::commands() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    QList<QByteArray> list;
+    list.reserve(d->log.size());
+    for (const CommandRecord& r : d->log)
+        list << r.command;
+    return list;
+}
+
+void SimModem::clearLog()
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->log.clear();
+}
+
+qint32 SimModem::lineSpeed() const
+{
+    qint32 result = 0;
+    if (!d->thread.joinable())
+        return 0;
+    d->runSync([&] { result = d->speed(); });
+    return result;
+}
+
+QList<QPair<QByteArray, QByteArray>> SimModem::sentMessages() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->sent;
+}
+
+// ---------------------------------------------------------------- the modem's thread
+
+void SimModem::Private::post(std::function<void()> task)
+{
+    {
+        std::lock_guard<std::mutex> lock(taskMutex);
+        tasks.push_back(std::move(task));
+    }
+    const char c = 't';
+    (void)!::write(wake[1], &c, 1);
+}
+
+void SimModem::Private::runSync(std::function<void()> task)
+{
+    if (std::this_thread::get_id() == thread.get_id() || !thread.joinable()) {
+        task();
+        return;
+    }
+    std::mutex doneMutex;
+    std::condition_variable cv;
+    bool done = false;
+    post([&] {
+        task();
+        std::lock_guard<std::mutex> lock(doneMutex);
+        done = true;
+        cv.notify_one();
+    });
+    std::unique_lock<std::mutex> lock(doneMutex);
+    cv.wait(lock, [&] { return done || stopping.load(); });
+}
+
+void SimModem::Private::run()
+{
+    char buf[4096];
+    while (!stopping) {
+        pollfd fds[2];
+        int n = 0;
+        fds[n++] = {wake[0], POLLIN, 0};
+        if (master >= 0)
+            fds[n++] = {master, POLLIN, 0};
+        int timeout = -1;
+        if (deafUntil > clock.elapsed())
+            timeout = int(deafUntil - clock.elapsed());
+        const int rc = ::poll(fds, nfds_t(n), timeout);
+        if (rc < 0 && errno != EINTR)
+            break;
+        if (fds[0].revents & POLLIN) {
+            while (::read(wake[0], buf, sizeof buf) > 0) {
+            }
+            std::deque<std::function<void()>> pending;
+            {
+                std::lock_guard<std::mutex> lock(taskMutex);
+                pending.swap(tasks);
+            }
+            for (auto& task : pending)
+                task();
+        }
+        if (n > 1 && master >= 0 && (fds[1].revents & POLLIN)) {
+            const ssize_t got = ::read(master, buf, sizeof buf);
+            if (got > 0)
+                feed(QByteArray(buf, int(got)));
+        }
+    }
+    // Run what is still queued so that no caller waits for ever.
+    std::deque<std::function<void()>> pending;
+    {
+        std::lock_guard<std::mutex> lock(taskMutex);
+        pending.swap(tasks);
+    }
+    for (auto& task : pending)
+        task();
+}
+
+void SimModem::Private::record(const QByteArray& command)
+{
+    CommandRecord r;
+    r.command = command;
+    r.elapsedMs = clock.elapsed();
+    r.epochMs = QDateTime::currentMSecsSinceEpoch();
+    r.lineSpeed = speed();
+    std::lock_guard<std::mutex> lock(mutex);
+    log.append(r);
+}
+
+void SimModem::Private::write(const QByteArray& bytes, int byteDelay)
+{
+    if (master < 0 || bytes.isEmpty())
+        return;
+    auto writeAll = [this](const char* p, int len) {
+        while (len > 0 && master >= 0) {
+            const ssize_t w = ::write(master, p, size_t(len));
+            if (w < 0) {
+                if (errno == EAGAIN || errno == EINTR) {
+                    ::usleep(1000);
+                    continue;
+                }
+                return;
+            }
+            p += w;
+            len -= int(w);
+        }
+    };
+    if (byteDelay <= 0) {
+        writeAll(bytes.constData(), bytes.size());
+        return;
+    }
+    for (int i = 0; i < bytes.size() && !stopping; ++i) {
+        writeAll(bytes.constData() + i, 1);
+        ::usleep(useconds_t(byteDelay) * 1000);
+    }
+}
+
+void SimModem::Private::send(const Reply& reply)
+{
+    int latency, byteDelay;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        latency = latencyMs;
+        byteDelay = byteDelayMs;
+    }
+    const int wait = latency + reply.delayMs;
+    if (wait > 0)
+        ::usleep(useconds_t(wait) * 1000);
+    write(reply.bytes, byteDelay);
+}
+
+void SimModem::Private::feed(const QByteArray& data)
+{
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (silent)
+            return;
+        if (!acceptedSpeeds.isEmpty() && !acceptedSpeeds.contains(readLineSpeed(slave)))
+            return;   // noise at a rate the modem cannot follow
+    }
+    if (deafUntil > clock.elapsed())
+        return;
+
+    for (char c : data) {
+        if (master < 0)
+            return;
+        if (smsPrompt) {
+            // Text of an SMS after the "> " prompt, ended by Ctrl-Z or cancelled by ESC.
+            if (c == 0x1a || c == 0x1b) {
+                smsPrompt = false;
+                record(smsText + c);
+                if (c == 0x1a) {
+                    int reference;
+                    {
+                        std::lock_guard<std::mutex> lock(mutex);
+                        sent.append(qMakePair(smsNumber, smsText));
+                        reference = sent.size();
+                    }
+                    send(Reply::ok("+CMGS: " + QByteArray::number(reference)));
+                } else {
+                    send(Reply::ok());
+                }
+                smsText.clear();
+            } else {
+                smsText.append(c);
+            }
+            continue;
+        }
+        bool echoOn;
+        {
+            std::lock_guard<std::mutex> lock(mutex);
+            echoOn = echo;
+        }
+        if (echoOn)
+            write(QByteArray(1, c), 0);
+        if (c == '\n' && line.isEmpty())
+            continue;
+        line.append(c);
+        if (c == '\r') {
+            QByteArray complete = line;
+            line.clear();
+            complete.chop(1);
+            processLine(complete);
+        } else if (line == "+++") {
+            line.clear();
+            processRaw("+++");
+        }
+    }
+}
+
+void SimModem::Private::processRaw(const QByteArray& raw)
+{
+    record(raw);
+    bool vanish = false;
+    const std::optional<Reply> reply = answer(raw, &vanish);
+    if (vanish) {
+        closeDevice();
+        return;
+    }
+    if (reply)
+        send(*reply);
+}
+
+void SimModem::Private::processLine(QByteArray text)
+{
+    // Modems ignore whatever does not begin with the "AT" attention prefix.
+    const int at = text.toUpper().indexOf("AT");
+    if (at < 0)
+        return;
+    const QByteArray command = text.mid(at + 2);
+    record(command);
+    bool vanish = false;
+    const std::optional<Reply> reply = answer(command, &vanish);
+    if (vanish) {
+        closeDevice();
+        return;
+    }
+    if (reply)
+        send(*reply);
+}
+
+std::optional<Reply> SimModem::Private::answer(const QByteArray& command, bool* vanish)
+{
+    const QByteArray key = upper(command);
+    FaultEntry fault;
+    QList<Handler> hs;
+    std::optional<Reply> fixed;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        fault = faults.value(key, faults.value(QByteArray()));
+        hs = handlers;
+        if (replies.contains(key))
+            fixed = replies.value(key);
+    }
+    switch (fault.fault) {
+    case Fault::Silence: return std::nullopt;
+    case Fault::Error: return Reply::error();
+    case Fault::NoCarrier: return Reply::noCarrier();
+    case Fault::Garbage: return Reply::raw(QByteArray::fromHex("ff00fe8a7e23c0d1"));
+    case Fault::Vanish: *vanish = true; return std::nullopt;
+    case Fault::None:
+    case Fault::SplitBytes: break;
+    }
+
+    std::optional<Reply> reply;
+    for (const Handler& h : qAsConst(hs)) {
+        reply = h(command);
+        if (reply)
+            break;
+    }
+    if (!reply && fixed)
+        reply = fixed;
+    if (!reply)
+        reply = builtin(command);
+
+    if (fault.fault == Fault::SplitBytes && reply) {
+        for (int i = 0; i < reply->bytes.size(); ++i) {
+            write(reply->bytes.mid(i, 1), 0);
+            ::usleep(useconds_t(fault.param) * 1000);
+        }
+        return std::nullopt;
+    }
+    return reply;
+}
+
+Reply SimModem::Private::builtin(const QByteArray& command)
+{
+    const QByteArray key = upper(command);
+    std::lock_guard<std::mutex> lock(mutex);
+    if (key.isEmpty() || key == "+COPS=3,0" || key == "+CREG=2" || key == "+CGREG=2"
+        || key == "+CFUN=1" || key == "Z")
+        return Reply::ok();
+    if (key == "+++")
+        return Reply::ok();
+    if (key == "E0" || key == "E" || key == "E1") {
+        echo = key == "E1";
+        return Reply::ok();
+    }
+    if (key == "&F" || key == "&F0") {
+        echo = profile.echo;   // factory defaults bring the echo back
+        return Reply::ok();
+    }
+    if (key == "I")
+        return Reply::ok(profile.ati);
+    if (key == "&V")
+        return Reply::ok("ACTIVE PROFILE:\r\nE1 Q0 V1 X4 &C1 &D2 &F0\r\nS00:000 S03:013 S04:010 S05:008");
+    if (key == "+GMR")
+        return Reply::ok(profile.revision);
+    if (key == "+GSN")
+        return profile.imei.isEmpty() ? Reply::error() : Reply::ok(profile.imei);
+    if (key == "+CIMI")
+        return profile.imsi.isEmpty() ? Reply::error() : Reply::ok(profile.imsi);
+    if (key == "+CFUN=1,1") {
+        deafUntil = clock.elapsed() + restartMs;
+        return Reply::ok();
+    }
+    if (key == "^U2DIAG=0")
+        return profile.make == Make::Huawei ? Reply::ok() : Reply::error();
+    if (key == "+CMGF=0" || key == "+CMGF=1") {
+        textMode = key == "+CMGF=1" ? 1 : 0;
+        return Reply::ok();
+    }
+    if (key.startsWith("+CMGS=") && textMode == 1) {
+        smsPrompt = true;
+        smsNumber = command.mid(6);
+        smsText.clear();
+        return Reply::raw("\r\n> ");
+    }
+    return Reply::error();
+}
+
+} // namespace modemsim

@@ -1,0 +1,34 @@
+#pragma once
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+#include <QString>
+
+namespace modemsim {
+
+// The makes the simulator can play. Each answers "ATI" the way such modems do.
+enum class Make { Huawei, SimCom, Zte, Cinterion, HspaDataCard, Unknown };
+
+// Everything that distinguishes one simulated modem from another: its
+// identification, its SIM and its fixed answers. Answers are keyed by the
+// command without "AT", in upper case (for example "+CSQ", "^SMONC"); the
+// value is the body printed before the final result code.
+struct Profile
+{
+    Make make = Make::Huawei;
+    QByteArray ati;              // body of the answer to "ATI"
+    QByteArray revision;         // body of the answer to "AT+GMR"
+    QByteArray imei = "866123456789012";
+    QByteArray imsi = "250026123456789";
+    bool echo = true;            // modems start with echo on
+    QMap<QByteArray, QByteArray> answers;
+
+    static Profile forMake(Make make);
+    static QString makeName(Make make);
+    // Parses a make's name as modemsim's command line takes it
+    // (huawei, simcom, zte, cinterion, hspa, unknown); false when unknown.
+    static bool parseMake(const QString& name, Make* make);
+    static QStringList makeNames();
+};
+
+} // namespace modemsim
