@@ -1,0 +1,60 @@
+# Script run by ctest: install, then build and run consumers.
+file(REMOVE_RECURSE "${WORK_DIR}")
+set(PREFIX "${WORK_DIR}/prefix")
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+    if(NOT rc EQUAL 0)
+        message(FATAL_ERROR "Failed (${rc}): ${ARGN}\n${out}\n${err}")
+    endif()
+    set(LAST_OUTPUT "${out}" PARENT_SCOPE)
+endfunction()
+
+run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${PREFIX}")
+
+# Layout of the installed files.
+file(GLOB libs "${PREFIX}/lib*/libzelmodemslib.so.5.0.28" "${PREFIX}/lib/*/libzelmodemslib.so.5.0.28")
+if(NOT libs)
+    message(FATAL_ERROR "libzelmodemslib.so.5.0.28 was not installed")
+endif()
+list(GET libs 0 lib)
+get_filename_component(LIBDIR "${lib}" DIRECTORY)
+foreach(f libzelmodemslib.so.5 libzelmodemslib.so pkgconfig/zelmodemslib.pc
+          cmake/ZelModemsLib/ZelModemsLibConfig.cmake cmake/ZelModemsLib/ZelModemsLibConfigVersion.cmake)
+    if(NOT EXISTS "${LIBDIR}/${f}")
+        message(FATAL_ERROR "${LIBDIR}/${f} was not installed")
+    endif()
+endforeach()
+if(NOT EXISTS "${PREFIX}/include/zelmodemslib/zelmodemslib.h")
+    message(FATAL_ERROR "public headers were not installed to include/zelmodemslib")
+endif()
+run(objdump -p "${lib}")
+if(NOT LAST_OUTPUT MATCHES "SONAME +libzelmodemslib\\.so\\.5\n")
+    message(FATAL_ERROR "wrong SONAME:\n${LAST_OUTPUT}")
+endif()
+
+set(ENV{LD_LIBRARY_PATH} "${LIBDIR}")
+
+# find_package consumer.
+run(${CMAKE_COMMAND} -S "${PROJECT_DIR}" -B "${WORK_DIR}/build" -DCMAKE_PREFIX_PATH=${PREFIX}
+    -DCMAKE_BUILD_TYPE=Release)
+run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
+run("${WORK_DIR}/build/consumer")
+message(STATUS "find_package consumer: ${LAST_OUTPUT}")
+if(NOT LAST_OUTPUT MATCHES "zelmodemslib 5\\.0\\.28")
+    message(FATAL_ERROR "consumer printed: ${LAST_OUTPUT}")
+endif()
+
+# pkg-config consumer.
+set(ENV{PKG_CONFIG_PATH} "${LIBDIR}/pkgconfig")
+execute_process(COMMAND pkg-config --cflags --libs zelmodemslib
+    RESULT_VARIABLE rc OUTPUT_VARIABLE flags ERROR_VARIABLE err OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "pkg-config failed: ${err}")
+endif()
+separate_arguments(flags UNIX_COMMAND "${flags}")
+run(${CXX} -std=c++17 -fPIC "${PROJECT_DIR}/main.cpp" -o "${WORK_DIR}/consumer-pc" ${flags})
+run("${WORK_DIR}/consumer-pc")
+if(NOT LAST_OUTPUT MATCHES "zelmodemslib 5\\.0\\.28")
+    message(FATAL_ERROR "pkg-config consumer printed: ${LAST_OUTPUT}")
+endif()
