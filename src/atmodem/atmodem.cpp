@@ -1,0 +1,542 @@
+#include "atmodem.h"
+#include "atdialect.h"
+#include "atmodemlog.h"
+
+#include <qt5ext/logformat.h>
+#include <qt5ext/sysutils.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QMetaEnum>
+#include <QRegExp>
+#include <QSerialPort>
+#include <QThread>
+
+namespace {
+
+// Huawei: switch the USB composition to the modem interfaces only.
+const char HUAWEI_MODEM_ONLY[] = "^U2DIAG=0";
+
+// What a modem that has switched to data mode or was interrupted by the
+// escape sequence answers before it accepts commands again.
+const char ESCAPE_SEQUENCE[] = "+++";
+
+// Fixed time-outs of the short housekeeping commands (echo, init string,
+// dial preparation, reset steps).
+constexpr int SHORT_TIMEOUT_MS = 500;
+// The identification request: some modems take their time to collect it.
+constexpr int IDENTIFY_TIMEOUT_MS = 5000;
+// The configuration time-out of SIMCOM modems, which print a long profile.
+constexpr int SIMCOM_CONFIG_TIMEOUT_MS = 5000;
+// Time given to the rest of an answer after "ERROR" or "NO CARRIER"
+// (extended error text, unsolicited lines).
+constexpr int TAIL_WAIT_MS = 100;
+
+QString serialErrorName(QSerialPort::SerialPortError error)
+{
+    const char* key = QMetaEnum::fromType<QSerialPort::SerialPortError>().valueToKey(error);
+    return key ? QString::fromLatin1(key) : QString::number(int(error));
+}
+
+// Everything from the word "Revision" (in one of its three spellings) to the
+// end of the text, with the white space before it. Firmware revisions do not
+// belong in a modem's display name.
+QString withoutRevision(QString name, bool repeatFirst = false)
+{
+    name.remove(QRegExp(QStringLiteral("(\\s*Revision.*)")));
+    if (repeatFirst)
+        name.remove(QRegExp(QStringLiteral("(\\s*Revision.*)")));
+    name.remove(QRegExp(QStringLiteral("(\\s*REVISION.*)")));
+    name.remove(QRegExp(QStringLiteral("(\\s*revision.*)")));
+    return name;
+}
+
+} // namespace
+
+AtModem::AtModem(QObject* parent) : QObject(parent)
+{
+    // The driver's debug output is wanted in the appliance's logs; this
+    // replaces whatever rules were set through the same call before.
+    QLoggingCategory::setFilterRules(QStringLiteral("atmodem.debug=true"));
+}
+
+// The port, a child object, goes with the modem object; the device is closed
+// by the port's own destructor, and the lock is left to the next open.
+AtModem::~AtModem() = default;
+
+// ---------------------------------------------------------------- opening and closing
+
+bool AtModem::open(const QString& portName, qint32 baudRate, qint32 attempts)
+{
+    for (qint32 attempt = 0; attempt < attempts; ++attempt) {
+        m_lastError.clear();
+        close();
+        unlockPort(portName);
+
+        if (!m_port)
+            m_port = new QSerialPort(this);
+        m_port->setPortName(portName);
+        m_port->clearError();
+
+        qCDebug(AT_MODEM()).noquote()
+            << QStringLiteral("Open port %1 on %2. attempt %3").arg(portName).arg(baudRate).arg(attempt);
+
+        if (!m_port->isOpen() && !m_port->open(QIODevice::ReadWrite)) {
+            m_lastError = tr("Port opening error: ") + m_port->errorString();
+            qCCritical(AT_MODEM()).noquote()
+                << serialErrorName(m_port->error()) << logtab << m_port->errorString();
+            continue;
+        }
+        setLine(baudRate);
+        if (isConnected())
+            return true;
+    }
+    return false;
+}
+
+void AtModem::setLine(qint32 baudRate)
+{
+    m_port->setBaudRate(baudRate, QSerialPort::AllDirections);
+    m_port->setFlowControl(QSerialPort::HardwareControl);
+    m_port->setParity(QSerialPort::NoParity);
+    m_port->setDataBits(QSerialPort::Data8);
+    m_port->setStopBits(QSerialPort::OneStop);
+}
+
+bool AtModem::isConnected()
+{
+    if (!portOpen())
+        return false;
+    if (!pollAt(m_pollTimeout)) {
+        close();
+        return false;
+    }
+    enableLocalEcho(false);
+
+    QByteArray answer;
+    if (!sendCommand(AT::Commands::ATI, answer, IDENTIFY_TIMEOUT_MS)) {
+        close();
+        return false;
+    }
+    setModemName(answer);
+
+    // The configuration is for the log only: many modems reject "&V".
+    if (sendCommand(AT::Commands::AT_AND_V, answer, m_configTimeout))
+        qCDebug(AT_MODEM()).noquote() << QStringLiteral("Modem configuration: %1").arg(QString::fromLatin1(answer));
+    return true;
+}
+
+void AtModem::close()
+{
+    if (!m_port)
+        return;
+    if (m_port->isOpen())
+        m_port->clear(QSerialPort::AllDirections);
+    m_port->clearError();
+    m_port->close();
+    m_port->clearError();
+    unlockPort(m_port->portName());
+    delete m_port.data();
+    m_port = nullptr;
+}
+
+bool AtModem::unlockPort(const QString& portName)
+{
+    return qt5ext::SysUtils::unlockPort(portName, false);
+}
+
+bool AtModem::test(const QString& portName, qint32 baudRate)
+{
+    m_lastError.clear();
+    close();
+    unlockPort(portName);
+
+    if (!m_port)
+        m_port = new QSerialPort(this);
+    m_port->setPortName(portName);
+    m_port->clearError();
+    m_port->close();
+
+    qCDebug(AT_MODEM()).noquote() << QStringLiteral("Open port %1 on %2").arg(portName).arg(baudRate);
+
+    if (m_port->open(QIODevice::ReadWrite)) {
+        setLine(baudRate);
+        return pollAt(2000);
+    }
+    m_lastError = tr("Port opening error: ") + m_port->errorString();
+    qCritical().noquote() << m_port->errorString();
+    qCCritical(AT_MODEM()).noquote() << m_port->errorString();
+    return false;
+}
+
+// ---------------------------------------------------------------- the channel
+
+bool AtModem::portOpen()
+{
+    if (!m_port || !m_port->isOpen())
+        return false;
+    const QSerialPort::SerialPortError error = m_port->error();
+    if (error == QSerialPort::ReadError || error == QSerialPort::ResourceError) {
+        // A pulled USB modem reports a resource error; a device node whose
+        // other side has gone (a pty, some USB serial drivers) fails every
+        // read with EIO. Either way nothing will ever answer on it.
+        qCWarning(AT_MODEM()).noquote()
+            << m_port->portName() << logtab << serialErrorName(error) << logtab << m_port->errorString();
+        m_port->close();
+        return false;
+    }
+    return true;
+}
+
+void AtModem::discardInput()
+{
+    m_port->readAll();
+    m_port->clearError();
+    m_port->clear(QSerialPort::AllDirections);
+    m_port->readAll();
+}
+
+bool AtModem::readCycle(QByteArray& answer, int stepMs, bool eventsAfterWait)
+{
+    QCoreApplication::processEvents();
+    if (!portOpen())
+        return false;
+    m_port->waitForReadyRead(stepMs);
+    if (eventsAfterWait)
+        QCoreApplication::processEvents();
+    if (!portOpen())
+        return false;
+    answer.append(m_port->readAll());
+    return true;
+}
+
+AtModem::Wait AtModem::readUntil(QByteArray& answer, int timeoutMs,
+                                 const std::function<bool(const QByteArray&)>& matched)
+{
+    QElapsedTimer clock;
+    clock.start();
+    for (;;) {
+        if (!readCycle(answer, 1, true))
+            return Wait::PortGone;
+        if (matched(answer))
+            return Wait::Matched;
+        if (clock.elapsed() >= timeoutMs)
+            return Wait::TimedOut;
+    }
+}
+
+void AtModem::failCommand(const QByteArray& command, const QByteArray& answer)
+{
+    if (m_lastError.isEmpty()) {
+        m_lastError = tr("Modem is offline pn port %1").arg(m_port ? m_port->portName() : QString());
+        if (command.isNull())
+            qCWarning(AT_MODEM()).noquote() << m_lastError;
+        else
+            qCWarning(AT_MODEM()).noquote() << QString::fromLatin1(command) << logtab << m_lastError;
+    }
+    if (command.isNull())
+        qCWarning(AT_MODEM()).noquote()
+            << "Modem wrong answer is " << logtab << logbinary(answer) << logtab << m_lastError;
+    else
+        qCWarning(AT_MODEM()).noquote() << QString::fromLatin1(command) << logtab << "Modem wrong answer is "
+                                        << logtab << logbinary(answer) << logtab << m_lastError;
+}
+
+bool AtModem::sendCommand(const QByteArray& command, QByteArray& answer, int timeoutMs)
+{
+    const QByteArray fullCommand = QByteArray("AT") + command;
+    qCDebug(AT_MODEM()).noquote() << "Send at command " + logbinary(fullCommand);
+    if (!portOpen())
+        return false;
+
+    m_lastError.clear();
+    answer.clear();
+    discardInput();
+    m_port->write(makeCommand(QString::fromUtf8(command)));
+
+    // "OK" is looked for first and anywhere: an answer that holds the
+    // letters anywhere counts as a success and is cut there.
+    const Wait wait = readUntil(answer, timeoutMs, [](const QByteArray& a) {
+        return a.contains("OK") || a.lastIndexOf("ERROR") >= 0 || a.lastIndexOf("NO CARRIER") >= 0;
+    });
+    if (wait == Wait::PortGone)
+        return false;
+
+    if (wait == Wait::Matched) {
+        const int ok = answer.indexOf("OK");
+        if (ok >= 0) {
+            answer.truncate(ok);
+            qCDebug(AT_MODEM()).noquote()
+                << logbinary(fullCommand) << logtab << "Modem answer is " << logtab << logbinary(answer);
+            return true;
+        }
+        // A failure code: give the rest of the answer (an extended error
+        // text, say) a moment to arrive, and keep all of it.
+        QElapsedTimer tail;
+        tail.start();
+        while (tail.elapsed() < TAIL_WAIT_MS) {
+            if (!portOpen())
+                return false;
+            m_port->waitForReadyRead(int(TAIL_WAIT_MS - tail.elapsed()));
+        }
+        QCoreApplication::processEvents();
+        if (!portOpen())
+            return false;
+        answer.append(m_port->readAll());
+        m_lastError = answer.lastIndexOf("ERROR") >= 0 ? tr("Modem said \"ERROR\"") : tr("Modem said \"NO CARRIER\"");
+        qCWarning(AT_MODEM()).noquote() << m_lastError;
+    }
+    failCommand(fullCommand, answer);
+    return false;
+}
+
+bool AtModem::sendRawCommand(const QByteArray& data, QByteArray& answer, int timeoutMs)
+{
+    qCDebug(AT_MODEM()).noquote() << "Send at command " + logbinary(data);
+    if (!portOpen())
+        return false;
+
+    m_lastError.clear();
+    answer.clear();
+    discardInput();
+    m_port->write(data);
+
+    // Raw data is sent while the modem may be in data mode, so only the two
+    // plain result codes are looked for, and the step never exceeds 1 ms.
+    const int step = timeoutMs / 5 > 0 ? 1 : 0;
+    QElapsedTimer clock;
+    clock.start();
+    while (timeoutMs > clock.elapsed()) {
+        if (!readCycle(answer, step, false))
+            return false;
+        const int ok = answer.indexOf("OK");
+        if (ok >= 0) {
+            answer.truncate(ok);
+            qCDebug(AT_MODEM()).noquote() << "Modem answer is " << logtab << logbinary(answer);
+            return true;
+        }
+        const int error = answer.indexOf("ERROR");
+        if (error >= 0) {
+            answer.truncate(error);
+            m_lastError = tr("Modem said \"ERROR\"");
+            qCWarning(AT_MODEM()).noquote() << m_lastError;
+            break;
+        }
+    }
+    failCommand(QByteArray(), answer);
+    return false;
+}
+
+QByteArray AtModem::makeCommand(const QString& command)
+{
+    return QByteArray("AT") + command.toLatin1() + char(13);
+}
+
+bool AtModem::pollAt(int timeoutMs)
+{
+    if (!portOpen())
+        return false;
+    m_port->clear(QSerialPort::AllDirections);
+    for (int attempt = 0; attempt < 6; ++attempt) {
+        QByteArray answer;
+        if (sendCommand(AT::Commands::AT, answer, timeoutMs))
+            return true;
+    }
+    return false;
+}
+
+bool AtModem::enableLocalEcho(bool on)
+{
+    QByteArray answer;
+    return sendCommand(QByteArray(AT::Commands::ATE) + (on ? "1" : "0"), answer, SHORT_TIMEOUT_MS);
+}
+
+bool AtModem::setInitString(const QString& init)
+{
+    // Only the upper-case prefix is taken for the attention code; anything
+    // else is sent as the user wrote it, behind our own "AT".
+    QString command = init;
+    command.remove(QRegExp(QStringLiteral("^AT")));
+    enableLocalEcho(false);
+    QByteArray answer;
+    return sendCommand(command.toLatin1(), answer, SHORT_TIMEOUT_MS);
+}
+
+bool AtModem::beforeDial()
+{
+    QByteArray answer;
+    // Leave data mode if the modem is still in it.
+    sendRawCommand(ESCAPE_SEQUENCE, answer, SHORT_TIMEOUT_MS);
+    bool result = false;
+    if (sendCommand(AT::Commands::AT, answer, SHORT_TIMEOUT_MS))
+        result = sendCommand(AT::Commands::AT_AND_F0, answer, SHORT_TIMEOUT_MS);
+    // Factory defaults take a moment before the dialer may talk to the modem.
+    QThread::sleep(2);
+    return result;
+}
+
+bool AtModem::toModemOnly()
+{
+    if (!portOpen())
+        return false;
+    QByteArray answer;
+    if (!sendCommand(AT::Commands::AT, answer, SHORT_TIMEOUT_MS))
+        return false;
+    return sendCommand(HUAWEI_MODEM_ONLY, answer, SHORT_TIMEOUT_MS);
+}
+
+qint32 AtModem::baudrate() const
+{
+    if (!m_port || !m_port->isOpen())
+        return 0;
+    return m_port->baudRate(QSerialPort::AllDirections);
+}
+
+QString AtModem::name() const
+{
+    return m_name;
+}
+
+QString AtModem::lastError() const
+{
+    return m_lastError;
+}
+
+bool AtModem::parseFieldInternal(const QByteArray& answer, const QString& field, QString& value)
+{
+    QRegExp rx(field + QStringLiteral("[:\\s]+([^\\n\\r]+)"), Qt::CaseInsensitive);
+    if (rx.indexIn(QString::fromLatin1(answer).trimmed(), 0) < 0)
+        return false;
+    value = rx.cap(1).trimmed();
+    return true;
+}
+
+// ---------------------------------------------------------------- dialects
+
+void AtModem::setModemName(const QByteArray& answer)
+{
+    qCInfo(AT_MODEM()).noquote() << "ATI" << logtab << logbinary(answer);
+
+    const QString text = QString::fromUtf8(answer).simplified();
+    m_name = text;
+
+    auto has = [&text](const char* word) { return text.contains(QLatin1String(word), Qt::CaseInsensitive); };
+    // Many modems print "Manufacturer: ..." and "Model: ..." lines; they make
+    // a better name than the whole identification text.
+    auto manufacturerAndModel = [this, &answer]() {
+        QString value;
+        if (parseFieldInternal(answer, QStringLiteral("Manufacturer"), value))
+            m_name = value;
+        QString model;
+        if (parseFieldInternal(answer, QStringLiteral("Model"), model))
+            m_name += QLatin1Char(' ') + model;
+    };
+    QRegExp mfNumber(QStringLiteral("MF\\d{3}"), Qt::CaseInsensitive);
+
+    if (has("Cinterion") || has("Siemens") || has("SprutNet")) {
+        m_dialect = SIEMENCE;
+        m_name = withoutRevision(m_name);
+    } else if (has("HSPA Data Card")) {
+        m_dialect = HSPA;
+        m_name = withoutRevision(m_name);
+        manufacturerAndModel();
+    } else if (has("SIMCOM")) {
+        m_dialect = SIM_COM;
+        m_name = withoutRevision(m_name, true);
+        manufacturerAndModel();
+        m_configTimeout = SIMCOM_CONFIG_TIMEOUT_MS;
+    } else if (has("huawei")) {
+        m_dialect = HUAWEI;
+        manufacturerAndModel();
+    } else if (mfNumber.indexIn(text) >= 0 || has("ZTE")) {
+        m_dialect = ZTE;
+        QString manufacturer;
+        if (parseFieldInternal(answer, QStringLiteral("Manufacturer"), manufacturer)) {
+            m_name = manufacturer;
+            QString model;
+            if (parseFieldInternal(answer, QStringLiteral("Model"), model))
+                m_name += QLatin1Char(' ') + model;
+        } else {
+            // The model number is all the name there is. Without one the
+            // extract starts before the text (position -1) and takes the
+            // first four characters.
+            m_name = QStringLiteral("ZTE ") + text.mid(mfNumber.indexIn(text), 5);
+        }
+    } else if (has("E171") || has("E3372")) {
+        m_dialect = HUAWEI;
+        m_name = QStringLiteral("HUAWEI");
+        QString model;
+        if (parseFieldInternal(answer, QStringLiteral("Model"), model))
+            m_name += QLatin1Char(' ') + model;
+    } else if (has("MC52") || has("MC 52") || has("MC-52")) {
+        m_dialect = SIEMENCE;
+        m_name = withoutRevision(m_name);
+    }
+
+    // The name goes into connection names and file names: no white space.
+    const QRegExp space(QStringLiteral("\\s+"));
+    while (m_name.contains(space))
+        m_name.replace(space, QStringLiteral("_"));
+
+    qCInfo(AT_MODEM()).noquote() << m_name << logtab << m_dialect << logtab << gsmDialect();
+}
+
+qint32 AtModem::dialect() const
+{
+    return m_dialect;
+}
+
+QString AtModem::gsmDialect() const
+{
+    return AT::dialectText(m_dialect);
+}
+
+bool AtModem::reset(bool full)
+{
+    if (full)
+        qWarning("RESET MODEM");
+    enableLocalEcho(false);
+
+    QByteArray answer;
+    switch (m_dialect) {
+    case SIEMENCE:
+        if (full) {
+            sendCommand(AT::Commands::Siemens::RESTART, answer, SHORT_TIMEOUT_MS);
+            QThread::sleep(5);
+        }
+        break;
+    case SIM_COM:
+        if (full) {
+            sendCommand(AT::Commands::SimCom::RESTART, answer, SHORT_TIMEOUT_MS);
+            QThread::sleep(5);
+            pollAt(30000);
+        }
+        break;
+    case HUAWEI:
+        if (full) {
+            sendCommand(AT::Commands::Huawei::RESTART, answer, SHORT_TIMEOUT_MS);
+            pollAt(30000);
+        }
+        break;
+    case ZTE:
+        sendCommand(AT::Commands::ZTE::POWER_ON, answer, SHORT_TIMEOUT_MS);
+        break;
+    case HSPA:
+        qCDebug(AT_MODEM()).noquote() << "Reset" << logtab << m_dialect << logtab << (full ? "true" : "false");
+        if (full) {
+            sendCommand(AT::Commands::HSPA::RESTART, answer, SHORT_TIMEOUT_MS);
+            QThread::sleep(10);
+            pollAt(30000);
+        }
+        break;
+    default:
+        break;
+    }
+
+    // After a restart the modem is back only when it answers again.
+    if (!pollAt(5000)) {
+        close();
+        return false;
+    }
+    return sendCommand(AT::Commands::AT_AND_F0, answer, SHORT_TIMEOUT_MS);
+}

@@ -1,0 +1,119 @@
+#pragma once
+#include "zelmodemslib_export.h"
+#include "atcommands.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <functional>
+
+class QSerialPort;
+
+// One modem on one serial port, spoken to in AT commands.
+//
+// Every call is synchronous: it blocks until the modem has answered, failed
+// or timed out, and keeps the calling thread's event queue turning while it
+// waits. Failures come back as `false` plus a text in lastError(); nothing
+// throws. One object serves one port and is used from one thread at a time.
+//
+// Typical use: open() (which checks the modem and learns its make), any
+// number of commands, close().
+class ZELMODEMSLIB_EXPORT AtModem : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(AtModem)
+
+public:
+    // Command dialects: makes that need different commands for the same job.
+    enum Dialect : qint32 {
+        DEFAULT_AT_GSM = 0,
+        SIEMENCE = 1,   // Cinterion, Siemens, SprutNet, MC52 family
+        SIM_COM = 2,
+        HUAWEI = 3,     // including the E171 and E3372
+        ZTE = 4,        // ZTE, MF series
+        HSPA = 5,       // modems that call themselves "HSPA Data Card"
+    };
+
+    explicit AtModem(QObject* parent = nullptr);
+    ~AtModem() override;
+
+    // Opens `portName` at `baudRate` (8N1, RTS/CTS) and checks with
+    // isConnected() that a modem answers; up to `attempts` tries.
+    bool open(const QString& portName, qint32 baudRate, qint32 attempts);
+    // Probes the open port, switches echo off, identifies the modem (name
+    // and dialect) and logs its configuration.
+    bool isConnected();
+    // Up to six bare "AT" probes, each waiting `timeoutMs`.
+    bool pollAt(int timeoutMs);
+    // Sends "AT" + `command` + CR and waits for the final result code.
+    // On success `answer` holds what came before "OK"; on failure the whole
+    // answer received.
+    bool sendCommand(const QByteArray& command, QByteArray& answer, int timeoutMs);
+    // Writes `data` as it is (no "AT", no CR) and waits for "OK" or "ERROR".
+    bool sendRawCommand(const QByteArray& data, QByteArray& answer, int timeoutMs);
+    // "AT" + `command` in Latin-1 + CR.
+    QByteArray makeCommand(const QString& command);
+    bool enableLocalEcho(bool on);
+    // Sends a user's init string (with or without its leading "AT").
+    bool setInitString(const QString& init);
+    // Brings the modem back to command state and factory defaults before a dial.
+    bool beforeDial();
+    // Closes the port and releases its lock.
+    void close();
+    bool unlockPort(const QString& portName);
+
+    // The line speed of the open port; 0 when no port is open.
+    qint32 baudrate() const;
+    QString name() const;
+    QString lastError() const;
+
+    // Finds "<field>: value" in an answer (case-insensitive; `field` is a
+    // regular-expression fragment). Leaves `value` alone when not found.
+    bool parseFieldInternal(const QByteArray& answer, const QString& field, QString& value);
+
+    // Classifies the modem from its answer to "ATI": sets name and dialect.
+    void setModemName(const QByteArray& answer);
+    qint32 dialect() const;
+    QString gsmDialect() const;
+
+    // Restarts the modem the way its dialect needs (`full`) and brings the
+    // channel back to factory defaults.
+    bool reset(bool full);
+    // Opens `portName` once and checks that something answers "AT"; name and
+    // dialect are left as they are.
+    bool test(const QString& portName, qint32 baudRate);
+    // Switches a Huawei modem to modem-only mode (no CD-ROM, no card reader).
+    bool toModemOnly();
+
+private:
+    // Why a wait for the modem ended.
+    enum class Wait { Matched, TimedOut, PortGone };
+
+    // True when there is a port object and its device is open. A port that
+    // reports the device gone (read or resource error) is closed here, so
+    // that every later check sees it closed at once.
+    bool portOpen();
+    // Empties the port (read and discarded, errors cleared) before a command.
+    void discardInput();
+    // One cycle of the waiting loops: events, a wait of up to `stepMs` for
+    // data, (events again), and whatever arrived appended to `answer`.
+    // False when the port is gone or closed.
+    bool readCycle(QByteArray& answer, int stepMs, bool eventsAfterWait);
+    // Reads in 1 ms cycles until `matched(answer)` holds or `timeoutMs` has
+    // passed (at least one cycle is made).
+    Wait readUntil(QByteArray& answer, int timeoutMs,
+                   const std::function<bool(const QByteArray&)>& matched);
+    // Sets the last error to the time-out text unless another error is set,
+    // and logs the failed command.
+    void failCommand(const QByteArray& command, const QByteArray& answer);
+    void setLine(qint32 baudRate);
+
+    QPointer<QSerialPort> m_port;
+    qint32 m_pollTimeout = 1000;
+    QString m_name;
+    qint32 m_configTimeout = 1500;
+    qint32 m_dialect = DEFAULT_AT_GSM;
+    QString m_lastError;
+};

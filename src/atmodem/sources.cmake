@@ -1,0 +1,10 @@
+# The AT command transport: the modem driver, its command table and dialects.
+list(APPEND ZML_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/atmodem.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.h
+    ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/atdialect.h
+    ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp)
+list(APPEND ZML_PUBLIC_HEADERS
+    ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
+    ${CMAKE_CURRENT_LIST_DIR}/atcommands.h)
