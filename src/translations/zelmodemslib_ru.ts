@@ -27,6 +27,22 @@
         <source>minus</source>
         <translation>минус</translation>
     </message>
+    <message>
+        <source>Port opening error: </source>
+        <translation>Ошибка открытия порта: </translation>
+    </message>
+    <message>
+        <source>Modem is offline pn port %1</source>
+        <translation>Модем не отвечает на порту %1</translation>
+    </message>
+    <message>
+        <source>Modem said &quot;ERROR&quot;</source>
+        <translation>Модем ответил &quot;ERROR&quot;</translation>
+    </message>
+    <message>
+        <source>Modem said &quot;NO CARRIER&quot;</source>
+        <translation>Модем ответил &quot;NO CARRIER&quot;</translation>
+    </message>
 </context>
 <context>
     <name>ModemsFinder</name>
@@ -183,6 +199,49 @@
     <message>
         <source>wvdial</source>
         <translation>wvdial</translation>
+    </message>
+</context>
+<context>
+    <name>SmsPduDecoder</name>
+    <message>
+        <source>Error reading service number.</source>
+        <translation>Ошибка чтения номера сервисного центра.</translation>
+    </message>
+    <message>
+        <source>Error reading message type.</source>
+        <translation>Ошибка чтения типа сообщения.</translation>
+    </message>
+    <message>
+        <source>Error reading address length.</source>
+        <translation>Ошибка чтения длины адреса.</translation>
+    </message>
+    <message>
+        <source>Error reading address type.</source>
+        <translation>Ошибка чтения типа адреса.</translation>
+    </message>
+    <message>
+        <source>Error reading address type %1.</source>
+        <translation>Ошибка чтения типа адреса %1.</translation>
+    </message>
+    <message>
+        <source>Error reading sender address.</source>
+        <translation>Ошибка чтения адреса отправителя.</translation>
+    </message>
+    <message>
+        <source>Error reading data coding scheme.</source>
+        <translation>Ошибка чтения схемы кодирования данных.</translation>
+    </message>
+    <message>
+        <source>Error reading timestamp.</source>
+        <translation>Ошибка чтения отметки времени.</translation>
+    </message>
+    <message>
+        <source>Error reading user data length.</source>
+        <translation>Ошибка чтения длины данных пользователя.</translation>
+    </message>
+    <message>
+        <source>Error reading text of message.</source>
+        <translation>Ошибка чтения текста сообщения.</translation>
     </message>
 </context>
 </TS>

@@ -93,9 +93,12 @@ void TestRegistration::russianTranslation_data()
     // The blank at the end is part of the text.
     QTest::newRow("modem, wrong mcc") << "AtModem" << "Wrong mcc " << "Неверный mcc ";
     QTest::newRow("modem, minus") << "AtModem" << "minus" << "минус";
+    QTest::newRow("modem, error") << "AtModem" << "Modem said \"ERROR\"" << "Модем ответил \"ERROR\"";
     QTest::newRow("loader, unknown error") << "QObject" << "Unknown error" << "Неизвестная ошибка";
     QTest::newRow("loader, timeout") << "QObject" << "Request timeout" << "Превышено время ожидания ответа";
     QTest::newRow("decoder") << "QObject" << "Error reading timestamp." << "Ошибка чтения отметки времени.";
+    QTest::newRow("decoder, own context") << "SmsPduDecoder" << "Error reading address type %1."
+                                          << "Ошибка чтения типа адреса %1.";
     QTest::newRow("wvdial") << "WvDialConfWrapper" << "wvdial error" << "ошибка wvdial";
     // Not part of the translated texts.
     QTest::newRow("untranslated") << "QObject" << "Error reading user header data." << "Error reading user header data.";
