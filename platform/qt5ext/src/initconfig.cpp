@@ -14,10 +14,8 @@ static QString installationNameOf(const QString& nameOrPath)
 {
     if (!QDir::isAbsolutePath(nameOrPath))
         return nameOrPath;
-    // /opt/<name>/etc/zel5.conf
-    QDir dir = QFileInfo(nameOrPath).dir();
-    dir.cdUp();
-    return dir.dirName();
+    // /opt/<name>/etc/zel5.conf (the file need not exist)
+    return QFileInfo(QFileInfo(nameOrPath).path()).path().section(QLatin1Char('/'), -1);
 }
 
 QString InitConfig::configFileFor(const QString& nameOrPath)

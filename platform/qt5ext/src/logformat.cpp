@@ -15,7 +15,9 @@ QTextStream& logtab(QTextStream& stream)
 QString logbinary(const QByteArray& data, const char* codecName)
 {
     QTextCodec* codec = codecName ? QTextCodec::codecForName(codecName) : nullptr;
-    const QString text = codec ? codec->toUnicode(data) : QString::fromLatin1(data);
+    // Count the bytes explicitly: the QByteArray overloads stop at a NUL.
+    const QString text = codec ? codec->toUnicode(data.constData(), data.size())
+                               : QString::fromLatin1(data.constData(), data.size());
     QString out;
     out.reserve(text.size() + 8);
     for (const QChar c : text) {
