@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QVariantMap>
 
 #include <functional>
 
@@ -86,6 +87,38 @@ public:
     bool test(const QString& portName, qint32 baudRate);
     // Switches a Huawei modem to modem-only mode (no CD-ROM, no card reader).
     bool toModemOnly();
+
+    // ------------------------------------------------ identity and network
+
+    // Sends `command` and takes the first match of `pattern` (a case-sensitive
+    // regular expression) from its answer. True when the command succeeded,
+    // even if nothing matched (`value` is then empty), and also when a failed
+    // command's partial answer matched: callers test `value`.
+    bool getNumberInternal(const QByteArray& command, QString& value, QString pattern);
+    bool getImei(QString& imei);
+    bool getImsi(QString& imsi);
+    // The operator codes from the IMSI: three digits of MCC, two of MNC.
+    bool getMnc(int& mcc, int& mnc);
+    // The operator's long alphanumeric name.
+    bool getOperator(QString& name);
+    // Signal level in dBm. When the modem cannot tell, a plausible weak level
+    // (-109..-90 dBm) is reported instead.
+    bool getSignalLevel(int& level);
+    // The serving cell's location area code and cell identity, as the modem
+    // prints them (hexadecimal).
+    bool getGsmCells(QString& lac, QString& cid);
+    // Neighbour cells of a Siemens/Cinterion modem: records separated by ";",
+    // each "MCC,MNC,cell,LAC,rxlev[,dBm...]" (cell and LAC in decimal).
+    bool getSiemensCellList(QString& list);
+    // The serving cell of a SIMCOM modem in the same record form:
+    // ",,cell,LAC,,".
+    bool getSimCOMCellList(QString& list);
+    // Everything known about the modem and its SIM: "imei", "imsi",
+    // "revision", "simId" (Siemens) or "sim_id" (Huawei, ZTE, HSPA), and
+    // "gsmCells" (Siemens, SIMCOM). False when the map stays empty.
+    bool getInfo(QVariantMap& info);
+    // The same as "key: value" lines.
+    bool getInfo(QString& text);
 
 private:
     // Why a wait for the modem ended.

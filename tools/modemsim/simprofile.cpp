@@ -21,6 +21,8 @@ Profile Profile::forMake(Make make)
         p.revision = "Revision: SIM7600M22_V1.1";
         p.imei = "861234567890123";
         p.imsi = "250991234567890";
+        // Packet-domain registration with location (after AT+CGREG=2).
+        p.answers.insert("+CGREG?", "+CGREG: 2,1,\"1A2B\",\"C3D4\"");
         break;
     case Make::Zte:
         p.ati = "Manufacturer: ZTE INCORPORATED\r\nModel: MF626\r\nRevision: BD_P673A2V1.0.0B06\r\n"
@@ -36,6 +38,20 @@ Profile Profile::forMake(Make make)
         p.imei = "351234567890123";
         p.imsi = "250011234567890";
         p.answers.insert("^SCID", "^SCID: 89701012345678901234");
+        // Cell monitoring: ^SMONC lists up to seven cells of nine fields
+        // (MCC, MNC, LAC, cell, BSIC, channel, RxLev, C1, C2; unused cells
+        // zero), ^MONI the serving cell and ^MONP the neighbours in dBm.
+        p.answers.insert("^SMONC", "^SMONC: 250,01,1A2B,C3D4,32,93,42,40,40,"
+                                   "250,01,1A2B,C3D5,17,95,30,28,28,"
+                                   "250,01,1A2C,0F01,21,100,25,23,23,"
+                                   "000,000,0000,0000,00,0,0,-,-");
+        p.answers.insert("^MONI", "Serving Cell                      I Dedicated channel\r\n"
+                                  "chann rs  dBm   PLMN  LAC   cell  NCC BCC PWR RxLev  C1 I chann TS timAdv PWR dBm Q ChMod\r\n"
+                                  "   93 42  -68  25001  1A2B  C3D4   4   0  33  -105  40 I No connection");
+        p.answers.insert("^MONP", "chann rs  dBm   MCC MNC  BCC C1 C2\r\n"
+                                  "   95 30  -80   250 01     5 28 28\r\n"
+                                  "  100 25  -88   250 01     3 23 23\r\n"
+                                  "  101 12 -101   250 01     1  9  9");
         break;
     case Make::HspaDataCard:
         p.ati = "Manufacturer: Qualcomm Incorporated\r\nModel: HSPA Data Card\r\n"
