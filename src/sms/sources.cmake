@@ -1,0 +1,15 @@
+# The SMS codec: SMS-DELIVER decoding, messages and parts, the GSM 7-bit
+# packer for USSD, and the PDU toolkit.
+list(APPEND ZML_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/smspart.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/sms.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/smspduencoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/pdu.cpp)
+list(APPEND ZML_PUBLIC_HEADERS
+    ${CMAKE_CURRENT_LIST_DIR}/smspart.h
+    ${CMAKE_CURRENT_LIST_DIR}/sms.h
+    ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder.h
+    ${CMAKE_CURRENT_LIST_DIR}/smspduencoder.h
+    ${CMAKE_CURRENT_LIST_DIR}/pdu.h)
