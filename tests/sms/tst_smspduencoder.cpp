@@ -11,7 +11,6 @@ class TestSmsPduEncoder : public QObject
 private slots:
     void encode_data();
     void encode();
-    void masks();
 };
 
 void TestSmsPduEncoder::encode_data()
@@ -52,13 +51,6 @@ void TestSmsPduEncoder::encode()
     const QByteArray result = SmsPduEncoder::encode(text, uchar(fill));
     QCOMPARE(result.toHex(), packed.toHex());
     QCOMPARE(result.size(), text.size() - text.size() / 8);
-}
-
-void TestSmsPduEncoder::masks()
-{
-    const uchar expected[7] = { 0x01, 0x03, 0x07, 0x0F, 0x1F, 0x3F, 0x7F };
-    for (int i = 0; i < 7; ++i)
-        QCOMPARE(SmsPduEncoder::mEncodeMask[i], expected[i]);
 }
 
 QTEST_GUILESS_MAIN(TestSmsPduEncoder)
