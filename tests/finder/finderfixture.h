@@ -1,0 +1,213 @@
+#pragma once
+// Helpers shared by the modem search tests: simulated serial ports with USB
+// identities, a recorder of log messages from any thread, the finder's
+// signals in the order they came, and an independent CRC-16/ARC.
+#include "modeminfo.h"
+#include "modemsfinder.h"
+#include "portinfoprovider.h"
+
+#include <QList>
+#include <QMap>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QObject>
+#include <QReadLocker>
+#include <QReadWriteLock>
+#include <QString>
+#include <QStringList>
+#include <QWriteLocker>
+
+namespace findertest {
+
+// Ports declared by a test: bare names (ttyUSB0) mapped to simulated devices
+// with the USB identity and busy flag the test gives them. Names that are
+// not declared do not exist. Installed for the whole process while it lives.
+class SimPorts : public PortInfoProvider
+{
+public:
+    SimPorts() { PortInfoProvider::install(this); }
+    ~SimPorts() override { PortInfoProvider::install(nullptr); }
+
+    void declare(const QString& name, const QString& device, const Port& port)
+    {
+        QWriteLocker lock(&m_lock);
+        m_devices.insert(name, device);
+        m_ports.insert(name, port);
+        m_names.removeAll(name);
+        m_names.append(name);
+    }
+    void declareSerial(const QString& name, const QString& device, bool busy = false)
+    {
+        Port port;
+        port.exists = true;
+        port.busy = busy;
+        declare(name, device, port);
+    }
+    void declareUsb(const QString& name, const QString& device, quint16 vendor, quint16 product,
+                    const QString& manufacturer)
+    {
+        Port port;
+        port.exists = true;
+        port.hasVendorIdentifier = true;
+        port.vendorIdentifier = vendor;
+        port.hasProductIdentifier = true;
+        port.productIdentifier = product;
+        port.manufacturer = manufacturer;
+        declare(name, device, port);
+    }
+    void setLink(const QString& path)
+    {
+        QWriteLocker lock(&m_lock);
+        m_link = path;
+    }
+
+    QStringList availablePorts() const override
+    {
+        QReadLocker lock(&m_lock);
+        return m_names;
+    }
+    Port port(const QString& portName) const override
+    {
+        QReadLocker lock(&m_lock);
+        return m_ports.value(portName);
+    }
+    QString devicePath(const QString& portName) const override
+    {
+        QReadLocker lock(&m_lock);
+        return m_devices.value(portName, portName);
+    }
+    QString dataPortLink() const override
+    {
+        QReadLocker lock(&m_lock);
+        return m_link;
+    }
+
+private:
+    mutable QReadWriteLock m_lock;
+    QStringList m_names;
+    QMap<QString, QString> m_devices;
+    QMap<QString, Port> m_ports;
+    QString m_link;
+};
+
+// Records the messages logged while it lives, from every thread, and passes
+// them on to the previous handler as far as `echo` says (a search logs
+// thousands of debug lines, more than Qt Test prints).
+class LogRecorder
+{
+public:
+    enum class Echo { All, NoDebug, Nothing };
+
+    struct Entry
+    {
+        QtMsgType type;
+        QString category;
+        QString text;
+    };
+
+    explicit LogRecorder(Echo echo = Echo::All) : m_echo(echo)
+    {
+        instance() = this;
+        m_previous = qInstallMessageHandler(&LogRecorder::handle);
+    }
+    ~LogRecorder()
+    {
+        qInstallMessageHandler(m_previous);
+        instance() = nullptr;
+    }
+    LogRecorder(const LogRecorder&) = delete;
+    LogRecorder& operator=(const LogRecorder&) = delete;
+
+    // Messages of `type` in `category` whose text contains `fragment`.
+    QStringList find(QtMsgType type, const QString& category, const QString& fragment) const
+    {
+        QMutexLocker lock(&m_mutex);
+        QStringList found;
+        for (const Entry& e : m_entries) {
+            if (e.type == type && e.category == category && e.text.contains(fragment))
+                found << e.text;
+        }
+        return found;
+    }
+    // Messages (any level) whose text is exactly `text`.
+    int countExact(const QString& text) const
+    {
+        QMutexLocker lock(&m_mutex);
+        int n = 0;
+        for (const Entry& e : m_entries)
+            n += e.text == text ? 1 : 0;
+        return n;
+    }
+
+private:
+    static LogRecorder*& instance()
+    {
+        static LogRecorder* current = nullptr;
+        return current;
+    }
+    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
+    {
+        LogRecorder* self = instance();
+        if (!self)
+            return;
+        {
+            QMutexLocker lock(&self->m_mutex);
+            self->m_entries.append({type, QString::fromLatin1(context.category), text});
+        }
+        const bool echo = self->m_echo == Echo::All || (self->m_echo == Echo::NoDebug && type != QtDebugMsg);
+        if (self->m_previous && echo)
+            self->m_previous(type, context, text);
+    }
+
+    Echo m_echo;
+    QtMessageHandler m_previous = nullptr;
+    mutable QMutex m_mutex;
+    QList<Entry> m_entries;
+};
+
+// The finder's signals, in the order they were emitted.
+class SignalLog : public QObject
+{
+public:
+    explicit SignalLog(ModemsFinder& finder)
+    {
+        connect(&finder, &ModemsFinder::devicesFinded, this, [this](QList<ModemInfo> modems) {
+            names << QStringLiteral("devicesFinded");
+            found << modems;
+        });
+        connect(&finder, &ModemsFinder::noDevices, this, [this](QString err) {
+            names << QStringLiteral("noDevices");
+            errors << err;
+        });
+        connect(&finder, &ModemsFinder::finished, this, [this] { names << QStringLiteral("finished"); });
+        connect(&finder, &ModemsFinder::needCancel, this, [this] { names << QStringLiteral("needCancel"); });
+    }
+
+    QStringList names;
+    QList<QList<ModemInfo>> found;
+    QStringList errors;
+};
+
+// CRC-16/ARC written out on its own (reflected polynomial 0xA001, LSB
+// first), to check the library's connection names against.
+inline quint16 crc16Arc(const QByteArray& data)
+{
+    quint16 crc = 0;
+    for (const char c : data) {
+        crc ^= quint8(c);
+        for (int i = 0; i < 8; ++i)
+            crc = (crc & 1) ? quint16((crc >> 1) ^ 0xA001) : quint16(crc >> 1);
+    }
+    return crc;
+}
+
+// The connection name the search gives a modem called `modemName` on
+// `port`, with `imei`, for the operator (or "Unknown modem") `operatorName`.
+inline QString connectionName(const QString& modemName, const QString& port, const QString& imei,
+                              const QString& operatorName)
+{
+    const quint16 sum = crc16Arc((port + imei + operatorName).toUtf8());
+    return QString(modemName + QLatin1Char('_') + QString::number(sum, 16)).replace(QLatin1Char('/'), QLatin1Char('_'));
+}
+
+} // namespace findertest

@@ -1,0 +1,125 @@
+// The parametric CRC: catalogue check values over "123456789", and the
+// table-driven and bit-by-bit paths agreeing on arbitrary data.
+#include "crc.h"
+
+#include <QRandomGenerator>
+#include <QtTest>
+
+namespace {
+
+const QByteArray CHECK_INPUT("123456789");
+
+// Both paths of one CRC variant over `data`.
+template <typename C>
+QPair<quint64, quint64> both(const QByteArray& data)
+{
+    const C crc;
+    return qMakePair(quint64(crc(data.constData(), std::size_t(data.size()), true)),
+                     quint64(crc(data.constData(), std::size_t(data.size()), false)));
+}
+
+// Catalogue variants (width, poly, init, refin, refout, xorout).
+using Crc8 = Crc<quint8, 8, 0x00, 0x07, 0x00, false, false>;
+using Crc8Maxim = Crc<quint8, 8, 0x00, 0x31, 0x00, true, true>;
+using Crc16CcittFalse = Crc<quint16, 16, 0xFFFF, 0x1021, 0x0000, false, false>;
+using Crc16Xmodem = Crc<quint16, 16, 0x0000, 0x1021, 0x0000, false, false>;
+using Crc16Kermit = Crc<quint16, 16, 0x0000, 0x1021, 0x0000, true, true>;
+using Crc16Modbus = Crc<quint16, 16, 0xFFFF, 0x8005, 0x0000, true, true>;
+using Crc16X25 = Crc<quint16, 16, 0xFFFF, 0x1021, 0xFFFF, true, true>;
+using Crc16Riello = Crc<quint16, 16, 0xB2AA, 0x1021, 0x0000, true, true>;
+using Crc16Dnp = Crc<quint16, 16, 0x0000, 0x3D65, 0xFFFF, true, true>;
+using Crc24OpenPgp = Crc<quint32, 24, 0xB704CE, 0x864CFB, 0x000000, false, false>;
+using Crc32 = Crc<quint32, 32, 0xFFFFFFFF, 0x04C11DB7, 0xFFFFFFFF, true, true>;
+using Crc32Bzip2 = Crc<quint32, 32, 0xFFFFFFFF, 0x04C11DB7, 0xFFFFFFFF, false, false>;
+
+typedef QPair<quint64, quint64> (*Runner)(const QByteArray&);
+
+struct Variant
+{
+    const char* name;
+    Runner run;
+    quint64 check;
+};
+
+const Variant VARIANTS[] = {
+    {"CRC-16/ARC", &both<CrcArc>, 0xBB3D},
+    {"CRC-8", &both<Crc8>, 0xF4},
+    {"CRC-8/MAXIM", &both<Crc8Maxim>, 0xA1},
+    {"CRC-16/CCITT-FALSE", &both<Crc16CcittFalse>, 0x29B1},
+    {"CRC-16/XMODEM", &both<Crc16Xmodem>, 0x31C3},
+    {"CRC-16/KERMIT", &both<Crc16Kermit>, 0x2189},
+    {"CRC-16/MODBUS", &both<Crc16Modbus>, 0x4B37},
+    {"CRC-16/X-25", &both<Crc16X25>, 0x906E},
+    {"CRC-16/RIELLO", &both<Crc16Riello>, 0x63D0},
+    {"CRC-16/DNP", &both<Crc16Dnp>, 0xEA82},
+    {"CRC-24/OPENPGP", &both<Crc24OpenPgp>, 0x21CF02},
+    {"CRC-32", &both<Crc32>, 0xCBF43926},
+    {"CRC-32/BZIP2", &both<Crc32Bzip2>, 0xFC891918},
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Runner)
+
+class TestCrc : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void checkValues_data()
+    {
+        QTest::addColumn<Runner>("run");
+        QTest::addColumn<quint64>("check");
+        for (const Variant& v : VARIANTS)
+            QTest::newRow(v.name) << v.run << v.check;
+    }
+    void checkValues()
+    {
+        QFETCH(Runner, run);
+        QFETCH(quint64, check);
+        const QPair<quint64, quint64> sums = run(CHECK_INPUT);
+        QCOMPARE(sums.first, check);
+        QCOMPARE(sums.second, check);
+    }
+
+    void pathsAgree_data()
+    {
+        QTest::addColumn<Runner>("run");
+        for (const Variant& v : VARIANTS)
+            QTest::newRow(v.name) << v.run;
+    }
+    void pathsAgree()
+    {
+        QFETCH(Runner, run);
+        QRandomGenerator random(20240517);
+        for (int length = 0; length < 300; length += 7) {
+            QByteArray data(length, Qt::Uninitialized);
+            for (char& c : data)
+                c = char(random.bounded(256));
+            const QPair<quint64, quint64> sums = run(data);
+            QCOMPARE(sums.first, sums.second);
+        }
+    }
+
+    // Entry b of the table is b run through the polynomial from the top
+    // byte; so entry 1 is the polynomial itself, entry 0 is 0.
+    void table()
+    {
+        const CrcArc arc;
+        QCOMPARE(arc.table().at(0), quint16(0));
+        QCOMPARE(arc.table().at(1), quint16(0x8005));
+        QCOMPARE(arc.table().at(2), quint16(0x800F));
+        QCOMPARE(Crc24OpenPgp().table().at(1), quint32(0x864CFB));
+    }
+
+    void emptyInput()
+    {
+        const CrcArc arc;
+        QCOMPARE(arc("", 0, true), quint16(0));
+        QCOMPARE(Crc32()("", 0, true), quint32(0));
+        QCOMPARE(Crc16CcittFalse()("", 0, false), quint16(0xFFFF));
+    }
+};
+
+QTEST_MAIN(TestCrc)
+#include "tst_crc.moc"

@@ -1,0 +1,157 @@
+// The on-demand loader against simulated modems, through the shared library
+// as a caller uses it.
+#include "modeminfo.h"
+#include "modeminfoloader.h"
+#include "modemsettings.h"
+#include "operatordata.h"
+#include "simmodem.h"
+
+#include <QTimer>
+#include <QtTest>
+
+#include <memory>
+
+using modemsim::Make;
+using modemsim::Profile;
+using modemsim::SimModem;
+
+namespace {
+
+// A record as the settings keep it: a port and a rate, an init line of its own.
+ModemInfo recordFor(const QString& port, int baudrate)
+{
+    ModemInfo info;
+    info.setPortName(port);
+    info.setBaudrate(baudrate);
+    info.setConnectionName(QStringLiteral("office"));
+    info.addInitLine(QStringLiteral("ATZ"));
+    return info;
+}
+
+} // namespace
+
+class TestModemInfoLoader : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void answerDefaults()
+    {
+        const ModemInfoAnswer answer;
+        QCOMPARE(answer.success, false);
+        QCOMPARE(answer.error, QStringLiteral("Unknown error"));
+        QCOMPARE(answer.modemInfo, ModemInfo());
+    }
+
+    void badRecord_data()
+    {
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<int>("baudrate");
+        QTest::newRow("no port") << QString() << 115200;
+        QTest::newRow("rate 0") << QStringLiteral("/dev/ttyS0") << 0;
+        QTest::newRow("negative rate") << QStringLiteral("/dev/ttyS0") << -9600;
+    }
+    void badRecord()
+    {
+        QFETCH(QString, port);
+        QFETCH(int, baudrate);
+        const ModemInfo original = recordFor(port, baudrate);
+        ModemInfo info = original;
+        QString error;
+        QVERIFY(!ModemInfoLoader::loadModemInfo(info, error));
+        QCOMPARE(error, QStringLiteral("Invalid port name or baudrate"));
+        QCOMPARE(info, original);
+    }
+
+    // The modem's own failures come back as the driver's last error; an
+    // operator missing from the table as the loader's text.
+    void modemFails_data()
+    {
+        QTest::addColumn<QByteArray>("imsi");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("no SIM") << QByteArray() << QStringLiteral("Modem said \"ERROR\"");
+        // The IMSI is the first run of digits, so "2A0..." reads as "2": too
+        // short, and the driver has no text for that.
+        QTest::newRow("IMSI too short") << QByteArray("2A0011234567890") << QString();
+        QTest::newRow("unknown operator")
+            << QByteArray("999011234567890")
+            << QStringLiteral("Mnc table does not contain an operator with mcc = 999 and mnc = 1");
+    }
+    void modemFails()
+    {
+        QFETCH(QByteArray, imsi);
+        QFETCH(QString, error);
+        SimModem sim(Make::Huawei);
+        sim.setImsi(imsi);
+        QVERIFY(sim.start());
+        const ModemInfo original = recordFor(sim.devicePath(), 115200);
+        ModemInfo info = original;
+        QString text;
+        QVERIFY(!ModemInfoLoader::loadModemInfo(info, text));
+        QCOMPARE(text, error);
+        QCOMPARE(info, original);
+    }
+
+    void portWillNotOpen()
+    {
+        const ModemInfo original = recordFor(QStringLiteral("/nonexistent/ttyUSB9"), 115200);
+        ModemInfo info = original;
+        QString error;
+        QVERIFY(!ModemInfoLoader::loadModemInfo(info, error));
+        QVERIFY2(error.startsWith(QLatin1String("Port opening error: ")), qPrintable(error));
+        QCOMPARE(info, original);
+    }
+
+    // Success adds the operator's init line and credentials; the error text
+    // stays "Unknown error". A second load appends the init line again.
+    void loadsOperatorData()
+    {
+        SimModem sim(Make::Zte);
+        sim.setImsi("250011234567890");   // MTS
+        QVERIFY(sim.start());
+        const OperatorData mts = ModemSettings().mncTable().value(25001);
+        QVERIFY(mts.isValid());
+
+        const ModemInfo original = recordFor(sim.devicePath(), 115200);
+        ModemInfo info = original;
+        QString error;
+        QVERIFY(ModemInfoLoader::loadModemInfo(info, error));
+        QCOMPARE(error, QStringLiteral("Unknown error"));
+        ModemInfo expected = original;
+        expected.addInitLine(mts.modemInitLine());
+        expected.setUserName(mts.userName());
+        expected.setPassword(mts.password());
+        QCOMPARE(info, expected);
+        QVERIFY(info.initLines().last().startsWith(QLatin1String("AT+CGDCONT=1,\"IP\",")));
+
+        QVERIFY(ModemInfoLoader::loadModemInfo(info, error));
+        QCOMPARE(info.initLines(), QStringList({QStringLiteral("ATZ"), mts.modemInitLine(), mts.modemInitLine()}));
+    }
+
+    // A modem that never answers: after ten seconds the caller gets
+    // "Request timeout" and its record back untouched; its events kept
+    // running meanwhile.
+    void timeout()
+    {
+        SimModem sim(Make::Huawei);
+        sim.setSilent(true);
+        QVERIFY(sim.start());
+        const ModemInfo original = recordFor(sim.devicePath(), 115200);
+        ModemInfo info = original;
+        QString error;
+        int ticks = 0;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, this, [&] { ++ticks; });
+        timer.start(500);
+        QVERIFY(!ModemInfoLoader::loadModemInfo(info, error));
+        QCOMPARE(error, QStringLiteral("Request timeout"));
+        QCOMPARE(info, original);
+        QVERIFY2(ticks >= 10, qPrintable(QString::number(ticks)));
+        // The abandoned task gives up on its own once the modem is gone.
+        sim.stop();
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+    }
+};
+
+QTEST_MAIN(TestModemInfoLoader)
+#include "tst_modeminfoloader.moc"
