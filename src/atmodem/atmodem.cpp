@@ -1,6 +1,7 @@
 #include "atmodem.h"
 #include "atdialect.h"
 #include "atmodemlog.h"
+#include "smspduencoder.h"
 
 #include <qt5ext/logformat.h>
 #include <qt5ext/sysutils.h>
@@ -32,6 +33,21 @@ constexpr int SHORT_TIMEOUT_MS = 500;
 constexpr int IDENTIFY_TIMEOUT_MS = 5000;
 // The configuration time-out of SIMCOM modems, which print a long profile.
 constexpr int SIMCOM_CONFIG_TIMEOUT_MS = 5000;
+// USSD: ZTE and SIMCOM modems wait for the network before their OK.
+constexpr int USSD_SLOW_TIMEOUT_MS = 5000;
+constexpr int ZTE_USSD_RETRY_PAUSE_MS = 100;
+// The reply wait: passes of a second's pause followed by up to ten reads
+// of 1024 bytes, 100 ms apart; ten passes for a reply, four to let an
+// exchange answered by SMS settle.
+constexpr int USSD_ATTEMPTS = 10;
+constexpr int USSD2_ATTEMPTS = 4;
+constexpr int USSD_PAUSE_MS = 1000;
+constexpr int USSD_READS = 10;
+constexpr int USSD_CHUNK = 1024;
+constexpr int USSD_READ_PAUSE_MS = 100;
+// Data coding scheme of UCS2 replies.
+constexpr int USSD_DCS_UCS2 = 72;
+
 // Time given to the rest of an answer after "ERROR" or "NO CARRIER"
 // (extended error text, unsolicited lines).
 constexpr int TAIL_WAIT_MS = 100;
@@ -852,4 +868,200 @@ bool AtModem::getInfo(QString& text)
         lines << QStringLiteral("%1: %2").arg(it.key(), it.value().toString());
     text = lines.join(QLatin1Char('\n'));
     return true;
+}
+
+// ---------------------------------------------------------------- USSD and balance
+
+bool AtModem::requestUssd(const char* prefix, const QString& code, QByteArray& answer)
+{
+    if (!portOpen())
+        return false;
+    enableLocalEcho(false);
+
+    QByteArray command = QByteArray(prefix) + ",\"";
+    int timeoutMs = SHORT_TIMEOUT_MS;
+    switch (m_dialect) {
+    case HUAWEI:
+        // Huawei sticks take the string packed in GSM 7-bit septets and
+        // written in hexadecimal.
+        command += SmsPduEncoder::encode(code.toLatin1(), ' ').toHex();
+        break;
+    case ZTE:
+        command += code.toUtf8();
+        timeoutMs = USSD_SLOW_TIMEOUT_MS;
+        break;
+    case SIM_COM: {
+        // SIMCOM presents replies in the modem's character set: make it GSM.
+        QByteArray ignored;
+        sendCommand(AT::Commands::SimCom::CSCS, ignored, SHORT_TIMEOUT_MS);
+        command += code.toUtf8();
+        timeoutMs = USSD_SLOW_TIMEOUT_MS;
+        break;
+    }
+    default:
+        command += code.toUtf8();
+        break;
+    }
+    command += "\",15";   // GSM 7-bit default alphabet
+
+    if (sendCommand(command, answer, timeoutMs))
+        return true;
+    if (m_dialect != ZTE || !answer.contains("Unexpected Data Value"))
+        return false;
+    // ZTE firmware refuses a request while the network is still busy with
+    // an earlier one; a second try a moment later goes through.
+    QThread::msleep(ZTE_USSD_RETRY_PAUSE_MS);
+    answer.clear();
+    qCDebug(AT_MODEM()).noquote() << tr("Retry send USSD for ZTE modems");
+    return sendCommand(command, answer, SHORT_TIMEOUT_MS);
+}
+
+void AtModem::waitForUssd(int attempt, QByteArray& buffer)
+{
+    qCDebug(AT_MODEM()).noquote() << tr("Waiting for USSD reply, attempt %1.").arg(attempt);
+    QCoreApplication::processEvents();
+    QThread::msleep(USSD_PAUSE_MS);
+
+    for (int read = 0; read < USSD_READS && portOpen(); ++read) {
+        // Pick up what the device holds now (the port buffers only what an
+        // event or a wait has pulled in), without waiting for more.
+        if (m_port->bytesAvailable() == 0)
+            m_port->waitForReadyRead(0);
+        const QByteArray chunk = m_port->read(USSD_CHUNK);
+        if (chunk.isEmpty())
+            break;
+        buffer += chunk;
+        QCoreApplication::processEvents();
+        QThread::msleep(USSD_READ_PAUSE_MS);
+        QCoreApplication::processEvents();
+    }
+}
+
+bool AtModem::sendUSSD(const QString& code, QString& message)
+{
+    if (code.isEmpty())
+        return false;
+    // The reply arrives on its own after the OK; the buffer keeps all that
+    // came, the command's answer included (some modems present the reply
+    // before the OK).
+    QByteArray buffer;
+    if (!requestUssd(AT::Commands::CUSD, code, buffer))
+        return false;
+
+    for (int attempt = 1; attempt <= USSD_ATTEMPTS; ++attempt) {
+        waitForUssd(attempt, buffer);
+        qCInfo(AT_MODEM()).noquote() << logbinary(buffer, "UTF-8");
+        if (getCUSDMessage(buffer, message)) {
+            qCInfo(AT_MODEM()).noquote() << message;
+            return true;
+        }
+        if (buffer.contains("ERROR")) {
+            QCoreApplication::processEvents();
+            return false;
+        }
+    }
+    QCoreApplication::processEvents();
+    return false;
+}
+
+bool AtModem::sendUSSD2(const QString& code, QString& message)
+{
+    Q_UNUSED(message)
+    // Result presentation off: the operator answers with an SMS. The port
+    // is only drained meanwhile, so that the exchange does not disturb the
+    // next command.
+    QByteArray buffer;
+    if (!requestUssd(AT::Commands::CUSD2, code, buffer))
+        return false;
+    for (int attempt = 1; attempt <= USSD2_ATTEMPTS; ++attempt)
+        waitForUssd(attempt, buffer);
+    QCoreApplication::processEvents();
+    return true;
+}
+
+bool AtModem::getCUSDMessage(const QByteArray& answer, QString& message)
+{
+    QString text;
+    if (m_dialect == SIM_COM) {
+        // In the GSM character set SIMCOM writes the reply's characters as
+        // raw bytes: "@" is a zero byte (dropped), and bytes from 80
+        // hexadecimal on are widened as signed values.
+        text.reserve(answer.size());
+        for (char byte : answer) {
+            if (byte != 0)
+                text.append(QChar(ushort(qint16(qint8(byte)))));
+        }
+    } else {
+        text = QString::fromLatin1(answer).simplified();
+    }
+
+    QRegExp rx(QStringLiteral(".*\\+CUSD: ?(\\d)(\\,\\\"(.*)\\\"\\,(\\d+))?.*"), Qt::CaseSensitive, QRegExp::RegExp);
+    if (!rx.exactMatch(text))
+        return false;
+    const QString body = rx.cap(3);
+    const int dcs = rx.cap(4).toInt();
+
+    // 7-bit default alphabet (DCS 15 or 0): modems present it as text.
+    if (dcs != USSD_DCS_UCS2) {
+        message = body;
+        return true;
+    }
+
+    // UCS2: four hexadecimal digits a character.
+    QRegExp hex(QStringLiteral("((\\d|[A-F]|[a-f])+)"), Qt::CaseSensitive, QRegExp::RegExp);
+    if (hex.exactMatch(body)) {
+        for (int i = 0; i + 4 <= body.size(); i += 4)
+            message.append(QChar(body.midRef(i, 4).toUShort(nullptr, 16)));
+        return true;
+    }
+    // UCS2 announced but not written in hexadecimal: a byte-order mark is
+    // put in front (as two replacement characters, FE and FF being invalid
+    // UTF-8) and half the characters are kept.
+    const QString marked = QString::fromUtf8("\xFE\xFF", 2) + body;
+    message = marked.left(marked.size() / 2);
+    return true;
+}
+
+double AtModem::parseModemBalance(const QString& text)
+{
+    QRegExp rx(QStringLiteral("\\d+[\\.,\\,]{,1}\\d*"), Qt::CaseSensitive, QRegExp::RegExp);
+    const int pos = rx.indexIn(text, 0);
+    if (pos < 0)
+        return 0.0;
+
+    QString number;
+    for (int i = pos; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (!((c >= QLatin1Char('0') && c <= QLatin1Char('9')) || c == QLatin1Char('.') || c == QLatin1Char(',')))
+            break;
+        number.append(c);
+    }
+
+    // A "-" right before the amount, or one character before it ("-
+    // 15"). Only the first "-" of the text counts: one in a date or a dash
+    // earlier hides a later one.
+    bool negative = false;
+    const int minusSign = text.indexOf(QLatin1Char('-'));
+    const int nearest = pos - 3 < 0 ? -1 : pos - 3;
+    if (minusSign < pos && minusSign > nearest) {
+        negative = true;
+    } else {
+        // Operators that spell the sign out, in English or in the
+        // translation's language, anywhere before the amount.
+        const QString lower = text.toLower();
+        const int word = lower.indexOf(QLatin1String("minus"));
+        if (word >= 0 && word < pos) {
+            negative = true;
+        } else {
+            const int translated = lower.indexOf(tr("minus"));
+            negative = translated >= 0 && translated < pos;
+        }
+    }
+
+    if (negative)
+        number.prepend(QLatin1Char('-'));
+    number.replace(QLatin1Char(','), QLatin1Char('.'));
+    bool ok = false;
+    const double amount = number.toDouble(&ok);
+    return ok ? amount : 0.0;
 }

@@ -120,6 +120,22 @@ public:
     // The same as "key: value" lines.
     bool getInfo(QString& text);
 
+    // ------------------------------------------------ USSD and balance
+
+    // Sends a USSD string (a balance request code, say) and waits up to
+    // about 20 s for the network's "+CUSD" reply; true only when one came
+    // and was decoded into `message`.
+    bool sendUSSD(const QString& code, QString& message);
+    // Sends a USSD string whose answer comes some other way (as an SMS):
+    // only lets the exchange settle for a few seconds. True when the modem
+    // took the request; `message` is never written.
+    bool sendUSSD2(const QString& code, QString& message);
+    // Decodes the "+CUSD" reply found in `answer` (plain text, or UCS2 in
+    // hexadecimal for DCS 72). On the UCS2 path the text is appended.
+    bool getCUSDMessage(const QByteArray& answer, QString& message);
+    // The signed amount in an operator's balance text; 0.0 when none.
+    double parseModemBalance(const QString& text);
+
 private:
     // Why a wait for the modem ended.
     enum class Wait { Matched, TimedOut, PortGone };
@@ -142,6 +158,12 @@ private:
     // and logs the failed command.
     void failCommand(const QByteArray& command, const QByteArray& answer);
     void setLine(qint32 baudRate);
+    // Composes and sends AT+CUSD with the payload and time-out the dialect
+    // needs (with ZTE's one retry); `answer` gets the modem's answer.
+    bool requestUssd(const char* prefix, const QString& code, QByteArray& answer);
+    // One pass of the USSD reply wait: a second's pause, then whatever the
+    // port holds (up to ten reads of 1024 bytes, 100 ms apart) appended.
+    void waitForUssd(int attempt, QByteArray& buffer);
 
     QPointer<QSerialPort> m_port;
     qint32 m_pollTimeout = 1000;

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <thread>
 
@@ -44,6 +45,73 @@ Reply Reply::raw(const QByteArray& bytes)
     return r;
 }
 
+QByteArray Ussd::plain(const QByteArray& text, int dcs, int status)
+{
+    return "+CUSD: " + QByteArray::number(status) + ",\"" + text + "\"," + QByteArray::number(dcs);
+}
+
+QByteArray Ussd::ucs2(const QString& text, int status)
+{
+    QByteArray hex;
+    for (QChar c : text)
+        hex += QByteArray::number(c.unicode(), 16).rightJustified(4, '0').toUpper();
+    return plain(hex, 72, status);
+}
+
+QByteArray Ussd::packed(const QByteArray& text, int status)
+{
+    return plain(pack(text).toHex().toUpper(), 15, status);
+}
+
+QByteArray Ussd::statusOnly(int status)
+{
+    return "+CUSD: " + QByteArray::number(status);
+}
+
+QByteArray Ussd::pack(const QByteArray& septets)
+{
+    QByteArray out;
+    quint32 acc = 0;
+    int bits = 0;
+    for (char c : septets) {
+        acc |= quint32(uchar(c) & 0x7f) << bits;
+        bits += 7;
+        while (bits >= 8) {
+            out.append(char(acc & 0xff));
+            acc >>= 8;
+            bits -= 8;
+        }
+    }
+    if (bits > 0)
+        out.append(char(acc & 0xff));
+    return out;
+}
+
+QByteArray Ussd::unpack(const QByteArray& octets)
+{
+    QByteArray out;
+    quint32 acc = 0;
+    int bits = 0;
+    for (char c : octets) {
+        acc |= quint32(uchar(c)) << bits;
+        bits += 8;
+        while (bits >= 7) {
+            out.append(char(acc & 0x7f));
+            acc >>= 7;
+            bits -= 7;
+        }
+    }
+    if (out.endsWith('\0'))
+        out.chop(1);
+    return out;
+}
+
+struct StoredSms
+{
+    int status = 1;
+    QByteArray pdu;
+};
+
 struct FaultEntry
 {
     Fault fault = Fault::None;
@@ -70,6 +138,15 @@ struct SimModem::Private
     QString ptyPath;
     bool vanished = false;
     int textMode = 0;                    // AT+CMGF
+    QByteArray charset = "IRA";          // AT+CSCS
+    QMap<QByteArray, QByteArray> ussdReplies;
+    QMap<QByteArray, QByteArray> ussdSmsReplies;
+    int ussdDelayMs = 100;
+    bool ussdBeforeOk = false;
+    int ussdRefusals = 0;
+    QList<QByteArray> ussdRequests;
+    QMap<int, StoredSms> sms;
+    int smsListLimit = -1;
 
     // Owned by the modem's thread.
     int master = -1;
@@ -83,6 +160,7 @@ struct SimModem::Private
     QByteArray smsText;
     qint64 deafUntil = 0;
     QElapsedTimer clock;
+    std::multimap<qint64, std::function<void()>> timers;   // due time (clock) -> task
 
     std::mutex taskMutex;
     std::deque<std::function<void()>> tasks;
@@ -93,6 +171,10 @@ struct SimModem::Private
     void processRaw(const QByteArray& raw);
     std::optional<Reply> answer(const QByteArray& command, bool* vanish);
     Reply builtin(const QByteArray& command);
+    Reply ussd(const QByteArray& command);
+    Reply listSms(const QByteArray& key);
+    int storeSms(const QByteArray& pdu, int status, int index);
+    void schedule(int ms, std::function<void()> task);
     void write(const QByteArray& bytes, int byteDelay);
     void send(const Reply& reply);
     void record(const QByteArray& command);
@@ -332,9 +414,88 @@ void SimModem::setRestartTime(int ms)
     d->restartMs = ms;
 }
 
-void SimModem::sendUnsolicited(const QByteArray& bytes)
+void SimModem::sendUnsolicited(const QByteArray& bytes, int delayMs)
 {
-    d->post([this, bytes] { d->write(bytes, 0); });
+    d->post([this, bytes, delayMs] { d->schedule(delayMs, [this, bytes] { d->write(bytes, 0); }); });
+}
+
+void SimModem::vanishAfter(int ms)
+{
+    d->post([this, ms] { d->schedule(ms, [this] { d->closeDevice(); }); });
+}
+
+void SimModem::setUssdReply(const QByteArray& code, const QByteArray& reply)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->ussdReplies.insert(code, reply);
+}
+
+void SimModem::setUssdSmsReply(const QByteArray& code, const QByteArray& pduHex)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->ussdSmsReplies.insert(code, pduHex);
+}
+
+void SimModem::setUssdDelay(int ms)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->ussdDelayMs = ms;
+}
+
+void SimModem::setUssdReplyBeforeOk(bool on)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->ussdBeforeOk = on;
+}
+
+void SimModem::setUssdRefusals(int count)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->ussdRefusals = count;
+}
+
+QList<QByteArray> SimModem::ussdRequests() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->ussdRequests;
+}
+
+QByteArray SimModem::characterSet() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->charset;
+}
+
+int SimModem::storeSms(const QByteArray& pduHex, int status, int index)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->storeSms(pduHex, status, index);
+}
+
+int SimModem::Private::storeSms(const QByteArray& pdu, int status, int index)
+{
+    if (index < 0) {
+        index = 1;
+        while (sms.contains(index))
+            ++index;
+    }
+    sms.insert(index, StoredSms{status, pdu});
+    return index;
+}
+
+QMap<int, QByteArray> SimModem::storedSms() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    QMap<int, QByteArray> result;
+    for (auto it = d->sms.cbegin(); it != d->sms.cend(); ++it)
+        result.insert(it.key(), it->pdu);
+    return result;
+}
+
+void SimModem::setSmsListLimit(int count)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->smsListLimit = count;
 }
 
 QList<CommandRecord> SimModem::log() const
@@ -417,6 +578,10 @@ void SimModem::Private::run()
         int timeout = -1;
         if (deafUntil > clock.elapsed())
             timeout = int(deafUntil - clock.elapsed());
+        if (!timers.empty()) {
+            const int due = int(qMax<qint64>(0, timers.begin()->first - clock.elapsed()));
+            timeout = timeout < 0 ? due : qMin(timeout, due);
+        }
         const int rc = ::poll(fds, nfds_t(n), timeout);
         if (rc < 0 && errno != EINTR)
             break;
@@ -436,6 +601,11 @@ void SimModem::Private::run()
             if (got > 0)
                 feed(QByteArray(buf, int(got)));
         }
+        while (!timers.empty() && timers.begin()->first <= clock.elapsed()) {
+            auto task = std::move(timers.begin()->second);
+            timers.erase(timers.begin());
+            task();
+        }
     }
     // Run what is still queued so that no caller waits for ever.
     std::deque<std::function<void()>> pending;
@@ -445,6 +615,11 @@ void SimModem::Private::run()
     }
     for (auto& task : pending)
         task();
+}
+
+void SimModem::Private::schedule(int ms, std::function<void()> task)
+{
+    timers.emplace(clock.elapsed() + qMax(0, ms), std::move(task));
 }
 
 void SimModem::Private::record(const QByteArray& command)
@@ -498,6 +673,10 @@ void SimModem::Private::send(const Reply& reply)
     if (wait > 0)
         ::usleep(useconds_t(wait) * 1000);
     write(reply.bytes, byteDelay);
+    if (!reply.followUp.isEmpty()) {
+        const QByteArray later = reply.followUp;
+        schedule(reply.followUpDelayMs, [this, later] { write(later, 0); });
+    }
 }
 
 void SimModem::Private::feed(const QByteArray& data)
@@ -671,6 +850,24 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         textMode = key == "+CMGF=1" ? 1 : 0;
         return Reply::ok();
     }
+    if (key.startsWith("+CSCS=")) {
+        charset = command.mid(6);
+        charset.replace('"', "");
+        return Reply::ok();
+    }
+    if (key == "+CSCS?")
+        return Reply::ok("+CSCS: \"" + charset + "\"");
+    if (key.startsWith("+CUSD="))
+        return ussd(command.mid(6));
+    if (key == "+CMGL" || key.startsWith("+CMGL="))
+        return listSms(key);
+    if (key.startsWith("+CMGD=")) {
+        bool ok = false;
+        const int index = key.mid(6).split(',').value(0).trimmed().toInt(&ok);
+        if (ok && sms.remove(index) > 0)
+            return Reply::ok();
+        return Reply::raw("\r\n+CMS ERROR: 321\r\n");   // invalid memory index
+    }
     if (key.startsWith("+CMGS=") && textMode == 1) {
         smsPrompt = true;
         smsNumber = command.mid(6);
@@ -678,6 +875,77 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         return Reply::raw("\r\n> ");
     }
     return Reply::error();
+}
+
+// AT+CUSD=<n>[,"<string>"[,<dcs>]]; called with the mutex held.
+Reply SimModem::Private::ussd(const QByteArray& args)
+{
+    const int comma = args.indexOf(',');
+    const QByteArray presentation = (comma < 0 ? args : args.left(comma)).trimmed();
+    if (comma < 0)
+        return Reply::ok();   // presentation on or off, or a cancel
+    const QByteArray rest = args.mid(comma + 1);
+    const int close = rest.indexOf('"', 1);
+    if (!rest.startsWith('"') || close < 0)
+        return Reply::error();
+
+    if (ussdRefusals > 0) {
+        --ussdRefusals;
+        return Reply::raw("\r\n+CME ERROR: Unexpected Data Value\r\n");
+    }
+    QByteArray code = rest.mid(1, close - 1);
+    if (profile.ussdPacked) {
+        if (code.isEmpty() || code.size() % 2 != 0
+            || QByteArray::fromHex(code).toHex() != code.toLower())
+            return Reply::error();
+        code = Ussd::unpack(QByteArray::fromHex(code));
+    }
+    ussdRequests.append(code);
+    if (ussdSmsReplies.contains(code))
+        storeSms(ussdSmsReplies.value(code), 0, -1);
+
+    Reply reply = Reply::ok();
+    if (presentation != "1")
+        return reply;
+    const QByteArray line = ussdReplies.contains(code) ? ussdReplies.value(code) : Ussd::statusOnly(4);
+    if (line.isEmpty())
+        return reply;   // the network never answers
+    if (ussdBeforeOk) {
+        reply.bytes = "\r\n" + line + "\r\n" + reply.bytes;
+    } else {
+        reply.followUp = "\r\n" + line + "\r\n";
+        reply.followUpDelayMs = ussdDelayMs;
+    }
+    return reply;
+}
+
+// AT+CMGL[=<stat>] in PDU mode; called with the mutex held.
+Reply SimModem::Private::listSms(const QByteArray& key)
+{
+    if (textMode == 1)
+        return Reply::raw("\r\n+CMS ERROR: 302\r\n");   // PDU-mode status codes in text mode
+    bool ok = true;
+    const int wanted = key == "+CMGL" ? 0 : key.mid(6).trimmed().toInt(&ok);
+    if (!ok || wanted < 0 || wanted > 4)
+        return Reply::error();
+
+    QList<QByteArray> entries;
+    for (auto it = sms.begin(); it != sms.end(); ++it) {
+        if (wanted != 4 && it->status != wanted)
+            continue;
+        const QByteArray octets = QByteArray::fromHex(it->pdu);
+        const int smscLength = octets.isEmpty() ? 0 : uchar(octets.at(0)) + 1;
+        entries << "+CMGL: " + QByteArray::number(it.key()) + "," + QByteArray::number(it->status) + ",,"
+                       + QByteArray::number(qMax(0, octets.size() - smscLength)) + "\r\n" + it->pdu;
+        if (it->status == 0)
+            it->status = 1;   // listed messages count as read
+    }
+    if (smsListLimit >= 0 && entries.size() > smsListLimit) {
+        // A modem that hangs half-way through the listing: no final OK.
+        entries = entries.mid(0, smsListLimit);
+        return Reply::raw(entries.isEmpty() ? QByteArray() : "\r\n" + entries.join("\r\n") + "\r\n");
+    }
+    return entries.isEmpty() ? Reply::ok() : Reply::ok(entries.join("\r\n"));
 }
 
 } // namespace modemsim

@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QPair>
 #include <QString>
 
@@ -28,6 +29,10 @@ struct Reply
 {
     QByteArray bytes;      // written exactly as given
     int delayMs = 0;       // extra wait before the first byte
+    // Written later on the modem's own, `followUpDelayMs` after the reply:
+    // an unsolicited result such as the network's USSD reply.
+    QByteArray followUp;
+    int followUpDelayMs = 0;
 
     // "\r\n<body>\r\n\r\nOK\r\n" (or "\r\nOK\r\n" without a body).
     static Reply ok(const QByteArray& body = QByteArray());
@@ -35,6 +40,26 @@ struct Reply
     static Reply noCarrier();
     static Reply raw(const QByteArray& bytes);
     static Reply none() { return Reply(); }
+};
+
+// The "+CUSD: ..." lines in which a modem presents the network's USSD reply,
+// and the GSM 7-bit packing that USSD strings travel in.
+struct Ussd
+{
+    // +CUSD: <status>,"<text>",<dcs> with the text as it is.
+    static QByteArray plain(const QByteArray& text, int dcs = 15, int status = 0);
+    // UCS2 (DCS 72): the text in UTF-16BE, written in upper-case hexadecimal.
+    static QByteArray ucs2(const QString& text, int status = 0);
+    // The text packed in GSM 7-bit septets and written in hexadecimal (DCS 15).
+    static QByteArray packed(const QByteArray& text, int status = 0);
+    // +CUSD: <status> without text (2: ended by the network, 4: not supported).
+    static QByteArray statusOnly(int status);
+
+    // 3GPP TS 23.038 packing, least significant bit first; no padding.
+    static QByteArray pack(const QByteArray& septets);
+    // The inverse; a trailing zero septet (the unused bits of the last
+    // octet) is dropped.
+    static QByteArray unpack(const QByteArray& octets);
 };
 
 // One command as the modem received it.
@@ -113,8 +138,45 @@ public:
     // After "+CFUN=1,1" the modem restarts and is deaf for this long.
     void setRestartTime(int ms);
 
-    // Writes bytes the modem sends on its own (RING, +CMTI: ...).
-    void sendUnsolicited(const QByteArray& bytes);
+    // Writes bytes the modem sends on its own (RING, +CMTI: ...), after
+    // `delayMs`.
+    void sendUnsolicited(const QByteArray& bytes, int delayMs = 0);
+    // The device disappears `ms` from now (a modem dying in mid-exchange).
+    void vanishAfter(int ms);
+
+    // USSD (AT+CUSD=<n>,"<string>",<dcs>). With n = 1 the modem answers OK
+    // and presents the network's reply to `code` as the unsolicited line
+    // `reply` (see Ussd) after the USSD delay; an empty `reply` means the
+    // network never answers; codes without a reply get "+CUSD: 4". With
+    // n = 0 nothing is presented. A profile with ussdPacked takes the string
+    // packed and in hexadecimal, and says ERROR to anything else.
+    void setUssdReply(const QByteArray& code, const QByteArray& reply);
+    // The operator answers `code` with an SMS: the PDU goes into the SMS
+    // store when the code is requested.
+    void setUssdSmsReply(const QByteArray& code, const QByteArray& pduHex);
+    // Time between the OK and the reply (100 ms at start).
+    void setUssdDelay(int ms);
+    // Presents the reply before the OK rather than after it.
+    void setUssdReplyBeforeOk(bool on);
+    // The next `count` requests are refused with "+CME ERROR: Unexpected
+    // Data Value", as ZTE firmware does while the network is still busy.
+    void setUssdRefusals(int count);
+    // The codes requested, as the modem understood them (unpacked).
+    QList<QByteArray> ussdRequests() const;
+    // The character set chosen with AT+CSCS ("IRA" at start).
+    QByteArray characterSet() const;
+
+    // The SMS store, listed in PDU mode by AT+CMGL=<stat> (4: all) as
+    // "+CMGL: <index>,<stat>,,<length>" lines each followed by the PDU, and
+    // emptied by AT+CMGD=<index>. `status` 0 is unread (listing marks it
+    // read), 1 read. Returns the index: `index`, or the lowest free one
+    // from 1. `pduHex` is an SMS-DELIVER PDU with its service-centre part.
+    int storeSms(const QByteArray& pduHex, int status = 1, int index = -1);
+    // Index -> PDU of the stored messages.
+    QMap<int, QByteArray> storedSms() const;
+    // The listing stops after `count` entries and the modem falls silent
+    // (no OK), as a modem that hangs half-way; -1 lists everything.
+    void setSmsListLimit(int count);
 
     QList<CommandRecord> log() const;
     QList<QByteArray> commands() const;

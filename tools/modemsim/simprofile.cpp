@@ -13,6 +13,7 @@ Profile Profile::forMake(Make make)
         p.ati = "Manufacturer: huawei\r\nModel: E3372\r\nRevision: 22.315.01.00.00\r\n"
                 "IMEI: 866123456789012\r\n+GCAP: +CGSM,+DS,+ES";
         p.revision = "22.315.01.00.00";
+        p.ussdPacked = true;
         p.answers.insert("^ICCID?", "^ICCID: 98701234567890123456");
         break;
     case Make::SimCom:

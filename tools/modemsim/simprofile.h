@@ -21,6 +21,9 @@ struct Profile
     QByteArray imei = "866123456789012";
     QByteArray imsi = "250026123456789";
     bool echo = true;            // modems start with echo on
+    // Huawei sticks want the USSD string of AT+CUSD packed in GSM 7-bit
+    // septets and written in hexadecimal; the others take it as text.
+    bool ussdPacked = false;
     QMap<QByteArray, QByteArray> answers;
 
     static Profile forMake(Make make);
