@@ -1,0 +1,86 @@
+#include "commands.h"
+
+namespace commands {
+
+const QList<Entry>& table()
+{
+    static const QList<Entry> entries = {
+        {QStringLiteral("find"), QStringLiteral("search ports for modems (all serial ports, or the given ones)"), &find},
+        {QStringLiteral("info"), QStringLiteral("identify the modem on a port: make, IMEI, SIM, operator, signal, cell"),
+         &info},
+        {QStringLiteral("signal"), QStringLiteral("signal level in dBm"), &signal},
+        {QStringLiteral("cells"), QStringLiteral("serving cell (and neighbour cells where the modem lists them)"),
+         &cells},
+        {QStringLiteral("operator"), QStringLiteral("the SIM's operator: MCC/MNC, network name, operator table entry"),
+         &operatorInfo},
+        {QStringLiteral("balance"), QStringLiteral("ask the account balance by USSD"), &balance},
+        {QStringLiteral("ussd"), QStringLiteral("send a USSD code and print the network's reply"), &ussd},
+        {QStringLiteral("own-number"), QStringLiteral("ask the operator for the SIM's own number"), &ownNumber},
+        {QStringLiteral("sms list"), QStringLiteral("read the stored SMS, and delete them from the modem"), &smsList},
+        {QStringLiteral("sms send"), QStringLiteral("send a text SMS"), &smsSend},
+        {QStringLiteral("pdu encode"), QStringLiteral("build SMS-SUBMIT PDUs for a text (no modem needed)"),
+         &pduEncode},
+        {QStringLiteral("pdu explain"),
+         QStringLiteral("explain an SMS PDU or a user-data header (no modem needed)"), &pduExplain},
+        {QStringLiteral("wvdialconf"), QStringLiteral("stop dialers and run wvdialconf to write the dialer's search file"),
+         &wvdialconf},
+        {QStringLiteral("demo"), QStringLiteral("all of it against simulated modems (no hardware needed)"), &demo},
+    };
+    return entries;
+}
+
+QString overview()
+{
+    QString text = QStringLiteral(
+        "Usage: zelmodems <command> [options] [arguments]\n"
+        "Finds modems on serial ports and queries them (ZelModemsLib 5.0.28).\n\n"
+        "Commands:\n");
+    for (const Entry& entry : table())
+        text += QStringLiteral("  %1%2\n").arg(entry.name.leftJustified(14), entry.summary);
+    text += QStringLiteral(
+        "\nEvery command takes --help, --json (machine-readable output) and --verbose\n"
+        "(the library's AT dialogue on standard error). Commands that talk to a modem\n"
+        "take the port (/dev/ttyUSB2 or ttyUSB2), --baud (default 115200) and --attempts.\n\n"
+        "Exit status: 0 success, 1 failure (no such port, no modem, the modem or the\n"
+        "network refused), 2 bad arguments. Messages go to standard error.\n");
+    return text;
+}
+
+QString nameOf(const QStringList& args)
+{
+    for (const Entry& entry : table()) {
+        const QStringList words = entry.name.split(QLatin1Char(' '));
+        if (args.mid(0, words.size()) == words)
+            return entry.name;
+    }
+    return QString();
+}
+
+Report dispatch(const QStringList& args)
+{
+    Report report;
+    const QString first = args.value(0);
+    if (first.isEmpty()) {
+        report.fail(QStringLiteral("no command given (see zelmodems --help)"), Report::UsageError);
+        return report;
+    }
+    const QString name = nameOf(args);
+    for (const Entry& entry : table()) {
+        if (entry.name == name)
+            return entry.run(args.mid(name.count(QLatin1Char(' ')) + 1));
+    }
+    if (first == QLatin1String("sms") || first == QLatin1String("pdu")) {
+        const QString second = args.value(1);
+        report.fail(second.isEmpty()
+                        ? QStringLiteral("%1 needs a subcommand: %2").arg(first, first == QLatin1String("sms")
+                                                                                  ? QStringLiteral("list or send")
+                                                                                  : QStringLiteral("encode or explain"))
+                        : QStringLiteral("unknown command \"%1 %2\" (see zelmodems --help)").arg(first, second),
+                    Report::UsageError);
+        return report;
+    }
+    report.fail(QStringLiteral("unknown command \"%1\" (see zelmodems --help)").arg(first), Report::UsageError);
+    return report;
+}
+
+} // namespace commands

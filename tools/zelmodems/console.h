@@ -1,0 +1,13 @@
+#pragma once
+#include <QTextStream>
+
+// The tool's standard output and error as text streams (UTF-8), and whether
+// a person is watching them.
+class Console
+{
+public:
+    static QTextStream& out();
+    static QTextStream& err();
+    // Standard output is a terminal: live progress may be drawn on it.
+    static bool outputIsTerminal();
+};

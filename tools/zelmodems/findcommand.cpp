@@ -1,0 +1,216 @@
+// find: the library's parallel modem search, with live progress.
+#include "commandline.h"
+#include "commands.h"
+#include "console.h"
+#include "modeminfo.h"
+#include "modemsfinder.h"
+#include "progressline.h"
+#include "toolportinfo.h"
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFuture>
+#include <QFutureWatcher>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QMap>
+#include <QSet>
+#include <QTimer>
+
+namespace {
+
+// What the tool can see of a running search: the finder keeps one
+// QFutureWatcher per probe as its child; copies of their futures stay valid
+// after the finder has dropped a watcher, and a finished probe's result
+// names its port.
+class SearchWatch
+{
+public:
+    SearchWatch(const ModemsFinder& finder, const QStringList& ports) : m_ports(ports)
+    {
+        const auto watchers = finder.findChildren<QFutureWatcherBase*>();
+        for (QFutureWatcherBase* base : watchers) {
+            if (auto* watcher = dynamic_cast<QFutureWatcher<ModemInfo>*>(base))
+                m_futures << watcher->future();
+        }
+    }
+
+    int total() const { return m_ports.size(); }
+
+    // Ports whose probe has ended, with whether it found a modem.
+    QMap<QString, bool> finished() const
+    {
+        QMap<QString, bool> done;
+        for (const QFuture<ModemInfo>& future : m_futures) {
+            if (future.isFinished() && !future.isCanceled() && future.resultCount() > 0) {
+                const ModemInfo result = future.resultAt(0);
+                done.insert(result.portName(), result.isValid());
+            }
+        }
+        return done;
+    }
+
+    QStringList running(const QMap<QString, bool>& done) const
+    {
+        QStringList names;
+        for (const QString& port : m_ports) {
+            if (!done.contains(port))
+                names << port;
+        }
+        return names;
+    }
+
+private:
+    QStringList m_ports;
+    QList<QFuture<ModemInfo>> m_futures;
+};
+
+QString seconds(qint64 ms)
+{
+    return QString::number(ms / 1000.0, 'f', 1) + QStringLiteral(" s");
+}
+
+QString progressText(const SearchWatch& watch, qint64 elapsedMs)
+{
+    const QMap<QString, bool> done = watch.finished();
+    int modems = 0;
+    for (bool found : done)
+        modems += found ? 1 : 0;
+    const QStringList running = watch.running(done);
+    QString names = running.mid(0, 4).join(QStringLiteral(", "));
+    if (running.size() > 4)
+        names += QStringLiteral(" +%1 more").arg(running.size() - 4);
+    // Most telling first: the end of the line is cut on narrow terminals.
+    return QStringLiteral("[%1] probed %2/%3 ports, %4 with a modem; running: %5")
+        .arg(seconds(elapsedMs))
+        .arg(done.size())
+        .arg(watch.total())
+        .arg(modems)
+        .arg(running.isEmpty() ? QStringLiteral("-") : names);
+}
+
+QStringList tableLines(const QList<QStringList>& rows)
+{
+    QVector<int> widths;
+    for (const QStringList& row : rows) {
+        widths.resize(qMax(widths.size(), row.size()));
+        for (int i = 0; i < row.size(); ++i)
+            widths[i] = qMax(widths[i], row.at(i).size());
+    }
+    QStringList lines;
+    for (const QStringList& row : rows) {
+        QString line;
+        for (int i = 0; i < row.size(); ++i)
+            line += i + 1 < row.size() ? row.at(i).leftJustified(widths[i] + 2) : row.at(i);
+        lines << line;
+    }
+    return lines;
+}
+
+} // namespace
+
+namespace commands {
+
+Report find(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("find"),
+                   QStringLiteral("Searches the given ports, or every serial port of the system, for modems:\n"
+                                  "all ports are probed at once; each probe finds the fastest line speed the\n"
+                                  "modem answers at, reads the IMEI and the SIM's operator, and makes the\n"
+                                  "dial-up connection record. The interfaces of one USB modem are merged\n"
+                                  "into one record (data port and command port). Device paths the system\n"
+                                  "does not list (a modemsim pseudo-terminal, a link) are probed as plain\n"
+                                  "serial ports. On a terminal, progress is shown while the probes run."));
+    cl.addPositional(QStringLiteral("PORT"),
+                     QStringLiteral("Ports to search (ttyUSB0, /dev/ttyS1, ...); default: all serial ports."),
+                     false, true);
+    if (!cl.parse(args, report))
+        return report;
+
+    ToolPortInfo* ports = ToolPortInfo::current();
+    QStringList names;
+    const QStringList given = cl.positional().isEmpty() && ports ? ports->availablePorts() : cl.positional();
+    for (const QString& name : given) {
+        const QString port = ports ? ports->normalize(name) : name;
+        if (!port.isEmpty() && !names.contains(port))
+            names << port;
+    }
+
+    ModemsFinder finder;
+    QList<ModemInfo> found;
+    QString noDevices;
+    bool over = false;
+    QEventLoop loop;
+    QObject::connect(&finder, &ModemsFinder::devicesFinded, [&](const QList<ModemInfo>& modems) { found = modems; });
+    QObject::connect(&finder, &ModemsFinder::noDevices, [&](const QString& why) {
+        noDevices = why;
+        // With no port at all the search ends here, without finished().
+        over = true;
+        loop.quit();
+    });
+    QObject::connect(&finder, &ModemsFinder::finished, [&]() {
+        over = true;
+        loop.quit();
+    });
+
+    QElapsedTimer clock;
+    clock.start();
+    finder.start(names);
+    if (!over) {
+        const SearchWatch watch(finder, names);
+        ProgressLine progress(Console::outputIsTerminal() && !cl.json());
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, [&]() { progress.show(progressText(watch, clock.elapsed())); });
+        if (progress.enabled()) {
+            progress.show(progressText(watch, 0));
+            tick.start(100);
+        }
+        loop.exec();
+        progress.clear();
+    }
+    const qint64 elapsed = clock.elapsed();
+
+    QJsonObject& json = report.json();
+    json.insert(QStringLiteral("ports"), QJsonArray::fromStringList(names));
+    json.insert(QStringLiteral("elapsedMs"), elapsed);
+    if (found.isEmpty()) {
+        report.fail(QStringLiteral("%1 (%2 port(s) probed in %3)")
+                        .arg(noDevices.isEmpty() ? QStringLiteral("no modem found") : noDevices)
+                        .arg(names.size())
+                        .arg(seconds(elapsed)));
+        return report;
+    }
+
+    QList<QStringList> rows;
+    rows << QStringList{QStringLiteral("PORT"),       QStringLiteral("CMD PORT"), QStringLiteral("BAUD"),
+                        QStringLiteral("IMEI"),       QStringLiteral("CONNECTION"), QStringLiteral("USER"),
+                        QStringLiteral("BALANCE"),    QStringLiteral("INIT")};
+    QJsonArray modems;
+    for (const ModemInfo& modem : qAsConst(found)) {
+        const QString dash = QStringLiteral("-");
+        auto orDash = [&](const QString& s) { return s.isEmpty() ? dash : s; };
+        rows << QStringList{modem.portName(),
+                            orDash(modem.cmdPortName()),
+                            QString::number(modem.baudrate()),
+                            orDash(modem.imei()),
+                            modem.connectionName(),
+                            orDash(modem.userName()),
+                            orDash(modem.balanceUssd()),
+                            orDash(modem.initLines().join(QStringLiteral("; ")))};
+        QJsonObject record = QJsonObject::fromVariantMap(modem.toMap());
+        // The record's map form leaves the IMEI out; a user wants it.
+        record.insert(QStringLiteral("imei"), modem.imei());
+        modems.append(record);
+    }
+    json.insert(QStringLiteral("modems"), modems);
+    report.lines(tableLines(rows));
+    report.line();
+    report.line(QStringLiteral("%1 modem(s) on %2 port(s), probed in %3.")
+                    .arg(found.size())
+                    .arg(names.size())
+                    .arg(seconds(elapsed)));
+    return report;
+}
+
+} // namespace commands

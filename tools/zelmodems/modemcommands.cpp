@@ -1,0 +1,479 @@
+// Commands that open one modem and ask it something: info, signal, cells,
+// operator, balance, ussd, own-number.
+#include "commandline.h"
+#include "commands.h"
+#include "modemsession.h"
+#include "modemsettings.h"
+#include "operatordata.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QVariantList>
+
+namespace {
+
+const QString CODE = QStringLiteral("code");
+
+// The operator table's entry for the SIM's codes, if it has a valid one.
+bool tableEntry(int mcc, int mnc, OperatorData& entry)
+{
+    const MncTable table = ModemSettings().mncTable();
+    const auto it = table.constFind(mcc * 100 + mnc);
+    if (it == table.constEnd() || !it.value().isValid())
+        return false;
+    entry = it.value();
+    return true;
+}
+
+QString codesText(int mcc, int mnc)
+{
+    return QStringLiteral("%1/%2").arg(mcc, 3, 10, QLatin1Char('0')).arg(mnc, 2, 10, QLatin1Char('0'));
+}
+
+void describeEntry(const OperatorData& entry, Report& report)
+{
+    report.field(QStringLiteral("Table entry"), entry.name());
+    report.field(QStringLiteral("Balance code"), entry.balancePhone());
+    report.field(QStringLiteral("Own number"),
+                 QStringLiteral("%1 (%2)").arg(entry.selfNumberPhone(),
+                                               entry.selfNumberFromSms() ? QStringLiteral("the reply comes by SMS")
+                                                                         : QStringLiteral("USSD reply")));
+    report.field(QStringLiteral("PPP user"), QStringLiteral("%1 / %2").arg(entry.userName(), entry.password()));
+    report.field(QStringLiteral("Init line"), entry.modemInitLine());
+}
+
+// A text that may hold a NUL (an odd-length SIM number keeps one where a
+// digit is missing), made printable.
+QString printable(QString text)
+{
+    return text.replace(QChar(0), QLatin1Char('?'));
+}
+
+QString rating(int dbm)
+{
+    if (dbm >= -70)
+        return QStringLiteral("excellent");
+    if (dbm >= -85)
+        return QStringLiteral("good");
+    if (dbm >= -100)
+        return QStringLiteral("fair");
+    return QStringLiteral("poor");
+}
+
+QString hexWithDecimal(const QString& hex)
+{
+    bool ok = false;
+    const qulonglong value = hex.toULongLong(&ok, 16);
+    return ok ? QStringLiteral("%1 (%2)").arg(hex).arg(value) : hex;
+}
+
+// A cell-list string ("MCC,MNC,cell,LAC,rxlev[,dBm...]" records joined by
+// ";") as JSON objects and as table rows.
+QJsonArray cellList(const QString& list, QStringList* rows)
+{
+    QJsonArray cells;
+    for (const QString& record : list.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+        const QStringList f = record.split(QLatin1Char(','));
+        QJsonObject cell;
+        cell.insert(QStringLiteral("mcc"), f.value(0));
+        cell.insert(QStringLiteral("mnc"), f.value(1));
+        cell.insert(QStringLiteral("cid"), f.value(2));
+        cell.insert(QStringLiteral("lac"), f.value(3));
+        cell.insert(QStringLiteral("rxlev"), f.value(4));
+        QJsonArray levels;
+        for (int i = 5; i < f.size(); ++i) {
+            if (!f.at(i).isEmpty())
+                levels.append(f.at(i));
+        }
+        cell.insert(QStringLiteral("dbm"), levels);
+        cells.append(cell);
+        if (rows) {
+            QStringList dbm;
+            for (const QJsonValue& v : qAsConst(levels))
+                dbm << v.toString();
+            *rows << QStringLiteral("  %1 %2 %3 %4 %5 %6")
+                         .arg(f.value(0).leftJustified(4), f.value(1).leftJustified(4), f.value(2).leftJustified(9),
+                              f.value(3).leftJustified(7), f.value(4).leftJustified(6), dbm.join(QLatin1Char(' ')));
+        }
+    }
+    return cells;
+}
+
+QString cellHeader()
+{
+    return QStringLiteral("  MCC  MNC  CELL      LAC     RXLEV  DBM");
+}
+
+// Neighbour cells of the makes that list them.
+bool neighbourCells(AtModem& modem, QString& list)
+{
+    if (modem.dialect() == AtModem::SIEMENCE)
+        return modem.getSiemensCellList(list);
+    if (modem.dialect() == AtModem::SIM_COM)
+        return modem.getSimCOMCellList(list);
+    return false;
+}
+
+} // namespace
+
+namespace commands {
+
+Report info(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("info"),
+                   QStringLiteral("Opens the port, identifies the modem (name and dialect) and reads its\n"
+                                  "IMEI, the SIM's IMSI, MCC/MNC and operator (with the operator table's\n"
+                                  "entry), the signal level, the serving cell, the SIM id and the firmware\n"
+                                  "revision. Queries the modem cannot answer are shown as unknown."));
+    cl.addModemArguments();
+    if (!cl.parse(args, report))
+        return report;
+    ModemSession session;
+    if (!session.open(cl, report))
+        return report;
+    AtModem& modem = session.modem();
+    QJsonObject& json = report.json();
+
+    report.field(QStringLiteral("Port"), QStringLiteral("%1 at %2 baud").arg(session.portName()).arg(cl.baud()));
+    report.field(QStringLiteral("Modem"), QStringLiteral("%1 (dialect %2)").arg(modem.name(), modem.gsmDialect()));
+
+    QVariantMap summary;
+    modem.getInfo(summary);
+    const QString unknown = QStringLiteral("unknown");
+    const QString imei = summary.value(QStringLiteral("imei")).toString();
+    const QString imsi = summary.value(QStringLiteral("imsi")).toString();
+    report.field(QStringLiteral("IMEI"), imei.isEmpty() ? unknown : imei);
+    report.field(QStringLiteral("IMSI"), imsi.isEmpty() ? unknown : imsi);
+    if (!imei.isEmpty())
+        json.insert(QStringLiteral("imei"), imei);
+    if (!imsi.isEmpty())
+        json.insert(QStringLiteral("imsi"), imsi);
+
+    int mcc = 0;
+    int mnc = 0;
+    if (modem.getMnc(mcc, mnc)) {
+        report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
+        json.insert(QStringLiteral("mcc"), mcc);
+        json.insert(QStringLiteral("mnc"), mnc);
+    } else {
+        report.field(QStringLiteral("MCC/MNC"), unknown);
+    }
+
+    QString network;
+    if (modem.getOperator(network)) {
+        report.field(QStringLiteral("Network"), network);
+        json.insert(QStringLiteral("operator"), network);
+    } else {
+        report.field(QStringLiteral("Network"), unknown);
+    }
+    OperatorData entry;
+    if (mcc > 0 && tableEntry(mcc, mnc, entry)) {
+        describeEntry(entry, report);
+        json.insert(QStringLiteral("operatorTable"), QJsonObject::fromVariantMap(entry.toMap()));
+    } else if (mcc > 0) {
+        report.field(QStringLiteral("Table entry"), QStringLiteral("none for %1").arg(codesText(mcc, mnc)));
+    }
+
+    int level = 0;
+    if (modem.getSignalLevel(level)) {
+        report.field(QStringLiteral("Signal"), QStringLiteral("%1 dBm (%2)").arg(level).arg(rating(level)));
+        json.insert(QStringLiteral("signal"), level);
+    } else {
+        report.field(QStringLiteral("Signal"), unknown);
+    }
+
+    QString lac;
+    QString cid;
+    if (modem.getGsmCells(lac, cid)) {
+        report.field(QStringLiteral("Serving cell"), QStringLiteral("LAC %1, CID %2").arg(lac, cid));
+        json.insert(QStringLiteral("lac"), lac);
+        json.insert(QStringLiteral("cid"), cid);
+    } else {
+        report.field(QStringLiteral("Serving cell"), unknown);
+    }
+
+    // The Siemens family calls it "simId", the others "sim_id": the
+    // library's keys are kept in the JSON.
+    for (const QString& key : {QStringLiteral("simId"), QStringLiteral("sim_id")}) {
+        if (summary.contains(key)) {
+            const QString id = summary.value(key).toString();
+            report.field(QStringLiteral("SIM id"), printable(id));
+            json.insert(key, id);
+        }
+    }
+    if (summary.contains(QStringLiteral("revision"))) {
+        const QString revision = summary.value(QStringLiteral("revision")).toString();
+        report.field(QStringLiteral("Revision"), revision);
+        json.insert(QStringLiteral("revision"), revision);
+    }
+    if (summary.contains(QStringLiteral("gsmCells"))) {
+        QJsonArray cells;
+        QStringList rows;
+        for (const QVariant& cell : summary.value(QStringLiteral("gsmCells")).toList()) {
+            const QVariantMap c = cell.toMap();
+            cells.append(QJsonObject::fromVariantMap(c));
+            rows << QStringLiteral("  %1 %2 %3 %4")
+                        .arg(c.value(QStringLiteral("mcc")).toString().leftJustified(4),
+                             c.value(QStringLiteral("mnc")).toString().leftJustified(4),
+                             c.value(QStringLiteral("cid")).toString().leftJustified(9),
+                             c.value(QStringLiteral("lac")).toString());
+        }
+        json.insert(QStringLiteral("gsmCells"), cells);
+        report.line(QStringLiteral("Cells:"));
+        report.line(QStringLiteral("  MCC  MNC  CELL      LAC"));
+        report.lines(rows);
+    }
+    return report;
+}
+
+Report signal(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("signal"),
+                   QStringLiteral("Prints the signal level in dBm (AT+CSQ). When the modem cannot measure\n"
+                                  "it (index 99), the library reports a weak level from -109 to -90 dBm\n"
+                                  "instead, as it does for the modems service."));
+    cl.addModemArguments();
+    if (!cl.parse(args, report))
+        return report;
+    ModemSession session;
+    if (!session.open(cl, report))
+        return report;
+    int level = 0;
+    if (!session.modem().getSignalLevel(level)) {
+        report.fail(QStringLiteral("the modem did not report the signal level: %1").arg(session.modem().lastError()));
+        return report;
+    }
+    report.field(QStringLiteral("Signal"), QStringLiteral("%1 dBm (%2)").arg(level).arg(rating(level)));
+    report.json().insert(QStringLiteral("signal"), level);
+    report.json().insert(QStringLiteral("rating"), rating(level));
+    return report;
+}
+
+Report cells(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("cells"),
+                   QStringLiteral("Prints the serving cell's location area code and cell identity (AT+CREG,\n"
+                                  "hexadecimal as the modem gives them, decimal in brackets), and the\n"
+                                  "neighbour cells of modems that list them (Siemens/Cinterion: ^SMONC with\n"
+                                  "levels from ^MONI/^MONP; SIMCOM: the packet-domain cell of AT+CGREG)."));
+    cl.addModemArguments();
+    if (!cl.parse(args, report))
+        return report;
+    ModemSession session;
+    if (!session.open(cl, report))
+        return report;
+    AtModem& modem = session.modem();
+    QJsonObject& json = report.json();
+
+    QString lac;
+    QString cid;
+    const bool serving = modem.getGsmCells(lac, cid);
+    QString list;
+    const bool neighbours = neighbourCells(modem, list);
+    if (!serving && !neighbours) {
+        report.fail(QStringLiteral("the modem reports no cell (not registered?)"));
+        return report;
+    }
+    if (serving) {
+        report.field(QStringLiteral("Serving cell"),
+                     QStringLiteral("LAC %1, CID %2").arg(hexWithDecimal(lac), hexWithDecimal(cid)));
+        json.insert(QStringLiteral("lac"), lac);
+        json.insert(QStringLiteral("cid"), cid);
+    } else {
+        report.field(QStringLiteral("Serving cell"), QStringLiteral("unknown"));
+    }
+    if (neighbours) {
+        QStringList rows;
+        json.insert(QStringLiteral("cells"), cellList(list, &rows));
+        report.line(QStringLiteral("Cells (cell identity and LAC in decimal):"));
+        report.line(cellHeader());
+        report.lines(rows);
+    }
+    return report;
+}
+
+Report operatorInfo(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("operator"),
+                   QStringLiteral("Prints the SIM's MCC and MNC (from the IMSI), the network's name\n"
+                                  "(AT+COPS?) and the operator table's entry for the codes: balance and\n"
+                                  "own-number USSD codes, PPP user and password, the init line."));
+    cl.addModemArguments();
+    if (!cl.parse(args, report))
+        return report;
+    ModemSession session;
+    if (!session.open(cl, report))
+        return report;
+    int mcc = 0;
+    int mnc = 0;
+    if (!session.operatorCodes(mcc, mnc, report))
+        return report;
+    QJsonObject& json = report.json();
+    json.insert(QStringLiteral("mcc"), mcc);
+    json.insert(QStringLiteral("mnc"), mnc);
+    report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
+
+    QString network;
+    if (session.modem().getOperator(network)) {
+        report.field(QStringLiteral("Network"), network);
+        json.insert(QStringLiteral("operator"), network);
+    } else {
+        report.field(QStringLiteral("Network"), QStringLiteral("unknown"));
+    }
+    OperatorData entry;
+    if (tableEntry(mcc, mnc, entry)) {
+        describeEntry(entry, report);
+        json.insert(QStringLiteral("operatorTable"), QJsonObject::fromVariantMap(entry.toMap()));
+    } else {
+        report.field(QStringLiteral("Table entry"), QStringLiteral("none (the operator is not in the table)"));
+        json.insert(QStringLiteral("operatorTable"), QJsonValue());
+    }
+    return report;
+}
+
+Report balance(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("balance"),
+                   QStringLiteral("Asks the account balance by USSD and prints the amount found in the\n"
+                                  "operator's reply, and the reply itself. The code is the operator table's\n"
+                                  "balance code for the SIM's operator unless --code gives one. The network's\n"
+                                  "reply is awaited up to about 20 s."));
+    cl.addModemArguments();
+    cl.addOption(QCommandLineOption(CODE, QStringLiteral("USSD code to send (default: the operator's)."),
+                                    QStringLiteral("code")));
+    if (!cl.parse(args, report))
+        return report;
+    ModemSession session;
+    if (!session.open(cl, report))
+        return report;
+    AtModem& modem = session.modem();
+
+    QString code = cl.value(CODE);
+    if (code.isEmpty()) {
+        int mcc = 0;
+        int mnc = 0;
+        if (!session.operatorCodes(mcc, mnc, report))
+            return report;
+        OperatorData entry;
+        if (!tableEntry(mcc, mnc, entry) || entry.balancePhone().isEmpty()) {
+            report.fail(QStringLiteral("the operator table has no balance code for %1; give one with --code")
+                            .arg(codesText(mcc, mnc)));
+            return report;
+        }
+        code = entry.balancePhone();
+    }
+    QString reply;
+    if (!modem.sendUSSD(code, reply)) {
+        const QString why = modem.lastError();
+        report.fail(QStringLiteral("no USSD reply to %1: %2")
+                        .arg(code, why.isEmpty() ? QStringLiteral("the network did not answer") : why));
+        return report;
+    }
+    const double amount = modem.parseModemBalance(reply);
+    report.field(QStringLiteral("Balance"), QString::number(amount, 'f', 2));
+    report.field(QStringLiteral("Reply"), reply);
+    report.json().insert(QStringLiteral("code"), code);
+    report.json().insert(QStringLiteral("amount"), amount);
+    report.json().insert(QStringLiteral("text"), reply);
+    return report;
+}
+
+Report ussd(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("ussd"),
+                   QStringLiteral("Sends a USSD code and prints the network's reply (awaited up to about\n"
+                                  "20 s). Codes are written as on a phone: *100#."));
+    cl.addModemArguments();
+    cl.addPositional(QStringLiteral("CODE"), QStringLiteral("The USSD code, for example *100#."));
+    if (!cl.parse(args, report))
+        return report;
+    ModemSession session;
+    if (!session.open(cl, report))
+        return report;
+    const QString code = cl.positional(1);
+    QString reply;
+    if (!session.modem().sendUSSD(code, reply)) {
+        const QString why = session.modem().lastError();
+        report.fail(QStringLiteral("no USSD reply to %1: %2")
+                        .arg(code, why.isEmpty() ? QStringLiteral("the network did not answer") : why));
+        return report;
+    }
+    // A reply of only a status (+CUSD: 2 or 4, say) carries no text.
+    report.field(QStringLiteral("Reply"), reply.isEmpty() ? QStringLiteral("(no text)") : reply);
+    report.json().insert(QStringLiteral("code"), code);
+    report.json().insert(QStringLiteral("reply"), reply);
+    return report;
+}
+
+Report ownNumber(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("own-number"),
+                   QStringLiteral("Asks the operator for the SIM's own telephone number, with the operator\n"
+                                  "table's code and way unless --code and --sms/--ussd-reply say otherwise.\n"
+                                  "By USSD reply the number is read from the reply (up to about 20 s). By\n"
+                                  "SMS the operator sends the number in a message: the tool waits about 15 s,\n"
+                                  "then reads the modem's stored messages - and, as \"sms list\", deletes them\n"
+                                  "all from the modem."));
+    cl.addModemArguments();
+    cl.addOption(QCommandLineOption(CODE, QStringLiteral("USSD code to send (default: the operator's)."),
+                                    QStringLiteral("code")));
+    const QString SMS = QStringLiteral("sms");
+    const QString REPLY = QStringLiteral("ussd-reply");
+    cl.addOption(QCommandLineOption(SMS, QStringLiteral("The number comes back as an SMS.")));
+    cl.addOption(QCommandLineOption(REPLY, QStringLiteral("The number comes back as the USSD reply.")));
+    if (!cl.parse(args, report))
+        return report;
+    if (cl.isSet(SMS) && cl.isSet(REPLY)) {
+        report.fail(QStringLiteral("--sms and --ussd-reply exclude each other"), Report::UsageError);
+        return report;
+    }
+    ModemSession session;
+    if (!session.open(cl, report))
+        return report;
+
+    QString code = cl.value(CODE);
+    bool fromSms = cl.isSet(SMS);
+    if (code.isEmpty() || (!cl.isSet(SMS) && !cl.isSet(REPLY))) {
+        int mcc = 0;
+        int mnc = 0;
+        OperatorData entry;
+        const bool known = session.modem().getMnc(mcc, mnc) && tableEntry(mcc, mnc, entry);
+        if (code.isEmpty()) {
+            if (!known || entry.selfNumberPhone().isEmpty()) {
+                report.fail(QStringLiteral("the operator table has no own-number code for %1; give one with --code")
+                                .arg(mcc > 0 ? codesText(mcc, mnc) : QStringLiteral("this SIM")));
+                return report;
+            }
+            code = entry.selfNumberPhone();
+        }
+        if (!cl.isSet(SMS) && !cl.isSet(REPLY))
+            fromSms = known && entry.selfNumberFromSms();
+    }
+
+    QString number;
+    if (!session.modem().requestSelfNumber(fromSms, code, number)) {
+        const QString why = session.modem().lastError();
+        report.fail(QStringLiteral("the request %1 did not go through: %2")
+                        .arg(code, why.isEmpty() ? QStringLiteral("no reply from the network") : why));
+        return report;
+    }
+    if (number.isEmpty()) {
+        report.fail(QStringLiteral("the operator's %1 held no telephone number")
+                        .arg(fromSms ? QStringLiteral("messages") : QStringLiteral("reply")));
+        return report;
+    }
+    report.field(QStringLiteral("Own number"), number);
+    report.json().insert(QStringLiteral("code"), code);
+    report.json().insert(QStringLiteral("fromSms"), fromSms);
+    report.json().insert(QStringLiteral("number"), number);
+    return report;
+}
+
+} // namespace commands

@@ -1,0 +1,271 @@
+// pdu encode and pdu explain: the library's PDU toolkit, no modem needed.
+#include "commandline.h"
+#include "commands.h"
+#include "pdu.h"
+#include "sms.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+namespace {
+
+QString alphabetName(PDU::Alphabet alphabet)
+{
+    switch (alphabet) {
+    case PDU::Gsm7Alphabet: return QStringLiteral("gsm7");
+    case PDU::EightBitAlphabet: return QStringLiteral("8bit");
+    case PDU::Ucs2Alphabet: return QStringLiteral("ucs2");
+    case PDU::AutoAlphabet: break;
+    }
+    return QStringLiteral("auto");
+}
+
+// Hexadecimal text without blanks; false when something else is in it.
+bool cleanHex(const QString& text, QString& hex)
+{
+    hex = text;
+    hex.remove(QRegularExpression(QStringLiteral("\\s")));
+    return !hex.isEmpty() && hex.size() % 2 == 0
+           && QRegularExpression(QStringLiteral("^[0-9A-Fa-f]+$")).match(hex).hasMatch();
+}
+
+QStringList indented(const QString& text)
+{
+    return text.split(QLatin1Char('\n'));
+}
+
+void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
+{
+    // The decoder takes the PDU as the modem lists it, service centre first.
+    const SmsPart part = Sms::decode(withServiceCentre ? hex : QStringLiteral("00") + hex);
+    QJsonObject& json = report.json();
+    json.insert(QStringLiteral("type"), QStringLiteral("SMS-DELIVER"));
+    if (!part.isValid()) {
+        report.fail(QStringLiteral("invalid SMS-DELIVER: %1").arg(part.getErrorString()));
+        return;
+    }
+    report.line(QStringLiteral("SMS-DELIVER"));
+    report.line(QStringLiteral("  Sender: %1").arg(part.getSenderAddress()));
+    report.line(QStringLiteral("  Service centre time stamp: %1")
+                    .arg(part.getDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))));
+    if (part.getPartCount() > 1)
+        report.line(QStringLiteral("  Part %1 of %2, reference %3")
+                        .arg(part.getPartNumber() + 1)
+                        .arg(part.getPartCount())
+                        .arg(QString::fromLatin1(part.getPartId().toHex())));
+    report.line(QStringLiteral("  Text: %1").arg(part.getText()));
+    json.insert(QStringLiteral("sender"), part.getSenderAddress());
+    json.insert(QStringLiteral("dateTime"), part.getDateTime().toString(Qt::ISODate));
+    json.insert(QStringLiteral("partNumber"), part.getPartNumber() + 1);
+    json.insert(QStringLiteral("partCount"), part.getPartCount());
+    if (!part.getPartId().isEmpty())
+        json.insert(QStringLiteral("reference"), QString::fromLatin1(part.getPartId().toHex()));
+    json.insert(QStringLiteral("text"), part.getText());
+}
+
+void explainSubmit(const QString& hex, bool withServiceCentre, Report& report)
+{
+    const PDU::Submit submit = decodeSmsSubmit(hex, withServiceCentre);
+    QJsonObject& json = report.json();
+    json.insert(QStringLiteral("type"), QStringLiteral("SMS-SUBMIT"));
+    if (!submit.valid) {
+        report.fail(QStringLiteral("invalid SMS-SUBMIT: %1").arg(submit.error));
+        return;
+    }
+    report.line(QStringLiteral("SMS-SUBMIT"));
+    report.line(QStringLiteral("  Message reference: %1").arg(submit.messageReference));
+    report.line(QStringLiteral("  Recipient: %1 (type of address 0x%2)")
+                    .arg(submit.recipient)
+                    .arg(submit.recipientType, 2, 16, QLatin1Char('0')));
+    report.line(QStringLiteral("  Status report requested: %1")
+                    .arg(submit.statusReport ? QStringLiteral("yes") : QStringLiteral("no")));
+    if (submit.validityMinutes > 0)
+        report.line(QStringLiteral("  Validity: %1 minutes").arg(submit.validityMinutes));
+    report.line(QStringLiteral("  Data coding scheme: 0x%1 (%2)")
+                    .arg(submit.dataCodingScheme, 2, 16, QLatin1Char('0'))
+                    .arg(alphabetName(submit.alphabet)));
+    if (!submit.header.isEmpty()) {
+        for (const QString& l : indented(explainUserDataHeader(submit.header)))
+            report.line(QStringLiteral("  ") + l);
+    }
+    if (submit.partCount > 1)
+        report.line(QStringLiteral("  Part %1 of %2").arg(submit.partNumber).arg(submit.partCount));
+    report.line(QStringLiteral("  Text: %1").arg(submit.text));
+    json.insert(QStringLiteral("messageReference"), submit.messageReference);
+    json.insert(QStringLiteral("recipient"), submit.recipient);
+    json.insert(QStringLiteral("recipientType"), submit.recipientType);
+    json.insert(QStringLiteral("statusReport"), submit.statusReport);
+    json.insert(QStringLiteral("validityMinutes"), submit.validityMinutes);
+    json.insert(QStringLiteral("dataCodingScheme"), submit.dataCodingScheme);
+    json.insert(QStringLiteral("alphabet"), alphabetName(submit.alphabet));
+    json.insert(QStringLiteral("partNumber"), submit.partNumber);
+    json.insert(QStringLiteral("partCount"), submit.partCount);
+    json.insert(QStringLiteral("text"), submit.text);
+}
+
+void explainStatus(const QString& hex, bool withServiceCentre, Report& report)
+{
+    const PDU::StatusReport status = decodeStatusReport(hex, withServiceCentre);
+    QJsonObject& json = report.json();
+    json.insert(QStringLiteral("type"), QStringLiteral("SMS-STATUS-REPORT"));
+    if (!status.valid) {
+        report.fail(QStringLiteral("invalid SMS-STATUS-REPORT: %1").arg(status.error));
+        return;
+    }
+    report.lines(indented(explainStatusReport(hex, withServiceCentre)));
+    json.insert(QStringLiteral("messageReference"), status.messageReference);
+    json.insert(QStringLiteral("recipient"), status.recipient);
+    json.insert(QStringLiteral("serviceCentreTime"), status.serviceCentreTime.toString(Qt::ISODate));
+    json.insert(QStringLiteral("dischargeTime"), status.dischargeTime.toString(Qt::ISODate));
+    json.insert(QStringLiteral("status"), status.status);
+    json.insert(QStringLiteral("meaning"), PDU::statusMeaning(status.status));
+}
+
+} // namespace
+
+namespace commands {
+
+Report pduEncode(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("pdu encode"),
+                   QStringLiteral("Builds the SMS-SUBMIT PDUs that send TEXT to NUMBER from a modem in PDU\n"
+                                  "mode: one PDU, or a concatenated series for a long text. Each is shown\n"
+                                  "with its AT+CMGS length argument."));
+    cl.addPositional(QStringLiteral("NUMBER"),
+                     QStringLiteral("The recipient (+79161234567 international, otherwise as dialled)."));
+    cl.addPositional(QStringLiteral("TEXT"), QStringLiteral("The message text."));
+    const QString ALPHABET = QStringLiteral("alphabet");
+    const QString NATIONAL = QStringLiteral("national");
+    const QString REPORT = QStringLiteral("status-report");
+    const QString VALIDITY = QStringLiteral("validity");
+    const QString REFERENCE = QStringLiteral("reference");
+    const QString REF16 = QStringLiteral("ref16");
+    const QString SMSC = QStringLiteral("smsc");
+    cl.addOption(QCommandLineOption(ALPHABET, QStringLiteral("auto (default), gsm7, 8bit or ucs2."),
+                                    QStringLiteral("name"), QStringLiteral("auto")));
+    cl.addOption(QCommandLineOption(NATIONAL, QStringLiteral("The number is a national one (type of address 0xA1).")));
+    cl.addOption(QCommandLineOption(REPORT, QStringLiteral("Ask for a status report.")));
+    cl.addOption(QCommandLineOption(VALIDITY, QStringLiteral("Relative validity period in minutes."),
+                                    QStringLiteral("minutes")));
+    cl.addOption(QCommandLineOption(REFERENCE,
+                                    QStringLiteral("Concatenation reference of a long message (default: "
+                                                   "the next of a counter)."),
+                                    QStringLiteral("n")));
+    cl.addOption(QCommandLineOption(REF16, QStringLiteral("16-bit concatenation references.")));
+    cl.addOption(QCommandLineOption(SMSC, QStringLiteral("Service centre to put in front (default: the "
+                                                         "modem's stored one)."),
+                                    QStringLiteral("number")));
+    if (!cl.parse(args, report))
+        return report;
+
+    PDU::SubmitOptions options;
+    const QString alphabet = cl.value(ALPHABET).toLower();
+    if (alphabet == QLatin1String("auto"))
+        options.alphabet = PDU::AutoAlphabet;
+    else if (alphabet == QLatin1String("gsm7"))
+        options.alphabet = PDU::Gsm7Alphabet;
+    else if (alphabet == QLatin1String("8bit"))
+        options.alphabet = PDU::EightBitAlphabet;
+    else if (alphabet == QLatin1String("ucs2"))
+        options.alphabet = PDU::Ucs2Alphabet;
+    else {
+        report.fail(QStringLiteral("--alphabet takes auto, gsm7, 8bit or ucs2, not \"%1\"").arg(cl.value(ALPHABET)),
+                    Report::UsageError);
+        return report;
+    }
+    if (cl.isSet(NATIONAL))
+        options.numberType = PDU::NationalNumber;
+    options.statusReport = cl.isSet(REPORT);
+    if (cl.isSet(VALIDITY)) {
+        bool ok = false;
+        options.validityMinutes = cl.value(VALIDITY).toInt(&ok);
+        if (!ok || options.validityMinutes <= 0) {
+            report.fail(QStringLiteral("--validity takes a positive number of minutes"), Report::UsageError);
+            return report;
+        }
+    }
+    if (cl.isSet(REFERENCE)) {
+        bool ok = false;
+        options.concatReference = cl.value(REFERENCE).toInt(&ok);
+        const int limit = cl.isSet(REF16) ? 65535 : 255;
+        if (!ok || options.concatReference < 0 || options.concatReference > limit) {
+            report.fail(QStringLiteral("--reference takes a number from 0 to %1").arg(limit), Report::UsageError);
+            return report;
+        }
+    }
+    options.reference16Bit = cl.isSet(REF16);
+    options.serviceCentre = cl.value(SMSC);
+
+    QString error;
+    const QList<PDU> pdus = encodeSmsSubmit(cl.positional(0), cl.positional(1), options, &error);
+    if (pdus.isEmpty()) {
+        report.fail(QStringLiteral("cannot encode the message: %1").arg(error));
+        return report;
+    }
+    QJsonArray parts;
+    for (const PDU& pdu : pdus) {
+        if (pdus.size() > 1)
+            report.line(QStringLiteral("Part %1 of %2:").arg(pdu.partNumber()).arg(pdu.partCount()));
+        report.line(QStringLiteral("AT+CMGS=%1").arg(pdu.tpduLength()));
+        report.line(pdu.toHex());
+        QJsonObject part;
+        part.insert(QStringLiteral("part"), pdu.partNumber());
+        part.insert(QStringLiteral("count"), pdu.partCount());
+        part.insert(QStringLiteral("tpduLength"), pdu.tpduLength());
+        part.insert(QStringLiteral("pdu"), pdu.toHex());
+        parts.append(part);
+    }
+    report.json().insert(QStringLiteral("parts"), parts);
+    return report;
+}
+
+Report pduExplain(const QStringList& args)
+{
+    Report report;
+    CommandLine cl(QStringLiteral("pdu explain"),
+                   QStringLiteral("Explains an SMS PDU given in hexadecimal (as a modem lists it in PDU\n"
+                                  "mode, service centre part first): SMS-DELIVER (a received message),\n"
+                                  "SMS-SUBMIT (one to be sent) or SMS-STATUS-REPORT, told apart by the\n"
+                                  "message type indicator. With --udh, HEX is a user-data header (its\n"
+                                  "length octet first)."));
+    cl.addPositional(QStringLiteral("HEX"), QStringLiteral("The PDU in hexadecimal (blanks allowed)."));
+    const QString NO_SMSC = QStringLiteral("no-smsc");
+    const QString UDH = QStringLiteral("udh");
+    cl.addOption(QCommandLineOption(NO_SMSC, QStringLiteral("The PDU has no service-centre part in front.")));
+    cl.addOption(QCommandLineOption(UDH, QStringLiteral("HEX is a user-data header.")));
+    if (!cl.parse(args, report))
+        return report;
+
+    QString hex;
+    if (!cleanHex(cl.positional(0), hex)) {
+        report.fail(QStringLiteral("\"%1\" is not hexadecimal octets").arg(cl.positional(0)), Report::UsageError);
+        return report;
+    }
+    const QByteArray octets = QByteArray::fromHex(hex.toLatin1());
+    if (cl.isSet(UDH)) {
+        const QString text = explainUserDataHeader(octets);
+        report.lines(indented(text));
+        report.json().insert(QStringLiteral("type"), QStringLiteral("user data header"));
+        report.json().insert(QStringLiteral("explanation"), text);
+        return report;
+    }
+
+    const bool withServiceCentre = !cl.isSet(NO_SMSC);
+    const int firstOctet = withServiceCentre ? 1 + static_cast<uchar>(octets.at(0)) : 0;
+    if (firstOctet >= octets.size()) {
+        report.fail(QStringLiteral("the PDU ends before its first octet (is the service-centre part "
+                                   "missing? see --no-smsc)"));
+        return report;
+    }
+    switch (static_cast<uchar>(octets.at(firstOctet)) & 0x03) {
+    case 0: explainDeliver(hex, withServiceCentre, report); break;
+    case 1: explainSubmit(hex, withServiceCentre, report); break;
+    case 2: explainStatus(hex, withServiceCentre, report); break;
+    default: report.fail(QStringLiteral("message type indicator 3 is reserved: not an SMS PDU")); break;
+    }
+    return report;
+}
+
+} // namespace commands

@@ -1,0 +1,57 @@
+#pragma once
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+// What one command has to say: lines of text for a person, a JSON object for
+// a program, or the reason it failed and the exit status that goes with it.
+// Commands fill a report; the caller prints it in the form the user asked
+// for (the demo gathers the reports of several commands into one).
+class Report
+{
+public:
+    // Exit statuses of the tool.
+    enum Status {
+        Success = 0,
+        Failure = 1,    // the modem, the port or the operation failed
+        UsageError = 2, // bad arguments
+    };
+
+    void line(const QString& text = QString());
+    // "label:" padded to a column, then the value.
+    void field(const QString& label, const QString& value);
+    void lines(const QStringList& text);
+
+    // The user asked for JSON rather than text.
+    void setJsonOutput(bool on) { m_jsonOutput = on; }
+    bool jsonOutput() const { return m_jsonOutput; }
+
+    QJsonObject& json() { return m_json; }
+    const QJsonObject& json() const { return m_json; }
+
+    // The command failed: `message` goes to standard error.
+    void fail(const QString& message, Status status = Failure);
+    // Help text: printed as it is, whether JSON was asked for or not.
+    void setHelp(const QString& text);
+
+    bool failed() const { return m_status != Success; }
+    int status() const { return m_status; }
+    QString error() const { return m_error; }
+    QStringList text() const { return m_lines; }
+    bool isHelp() const { return !m_help.isEmpty(); }
+
+    // Prints to standard output (text or JSON) and, for a failure, the
+    // message to standard error prefixed with `who` ("zelmodems info").
+    // Returns the exit status.
+    int print(const QString& who) const;
+
+    static const int LABEL_WIDTH = 14;
+
+private:
+    QStringList m_lines;
+    QJsonObject m_json;
+    QString m_error;
+    QString m_help;
+    int m_status = Success;
+    bool m_jsonOutput = false;
+};
