@@ -1,11 +1,13 @@
 #include "atmodem.h"
 #include "atdialect.h"
 #include "atmodemlog.h"
+#include "sms.h"
 #include "smspduencoder.h"
 
 #include <qt5ext/logformat.h>
 #include <qt5ext/sysutils.h>
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -15,7 +17,10 @@
 #include <QSerialPort>
 #include <QStringList>
 #include <QThread>
+#include <QTimer>
 #include <QVariantList>
+
+#include <algorithm>
 
 namespace {
 
@@ -47,6 +52,16 @@ constexpr int USSD_CHUNK = 1024;
 constexpr int USSD_READ_PAUSE_MS = 100;
 // Data coding scheme of UCS2 replies.
 constexpr int USSD_DCS_UCS2 = 72;
+
+// SMS: listing may take long on a full store; a sent message is confirmed
+// by the network within a few seconds.
+constexpr int LIST_SMS_TIMEOUT_MS = 5000;
+constexpr int SEND_SMS_WAIT_MS = 3000;
+constexpr char CTRL_Z = 26;
+// The own number by SMS: the operator's message needs time to arrive, and
+// only a recent one can be the answer.
+constexpr int SELF_NUMBER_SMS_PAUSE_S = 10;
+constexpr qint64 SELF_NUMBER_SMS_MAX_AGE_S = 4 * 60 * 60;
 
 // Time given to the rest of an answer after "ERROR" or "NO CARRIER"
 // (extended error text, unsolicited lines).
@@ -112,6 +127,23 @@ QVariantList cellListToVariant(const QString& list)
         cells.append(cell);
     }
     return cells;
+}
+
+// The national number (ten digits) in an operator's text: the ten digits
+// after the country or trunk digit of an eleven-digit run, else a run of
+// ten. A run at the very start of the text does not count: operators'
+// answers begin with words, and leading digits are a code or a date.
+QString nationalNumberIn(const QString& text)
+{
+    QRegExp eleven(QStringLiteral("(\\d{11})"), Qt::CaseSensitive, QRegExp::RegExp);
+    int pos = eleven.indexIn(text, 0);
+    if (pos > 0)
+        return text.mid(pos + 1, 10);
+    QRegExp ten(QStringLiteral("(\\d{10})"), Qt::CaseSensitive, QRegExp::RegExp);
+    pos = ten.indexIn(text, 0);
+    if (pos > 0)
+        return text.mid(pos, 10);
+    return QString();
 }
 
 } // namespace
@@ -1064,4 +1096,143 @@ double AtModem::parseModemBalance(const QString& text)
     bool ok = false;
     const double amount = number.toDouble(&ok);
     return ok ? amount : 0.0;
+}
+
+// ---------------------------------------------------------------- own number and SMS
+
+bool AtModem::takeMessages(QList<AtModem::SSms>& messages)
+{
+    enableLocalEcho(false);
+    QByteArray answer;
+    sendCommand(AT::Commands::SET_PDU_MODE, answer, SHORT_TIMEOUT_MS);
+    // Whatever came is used, even from a listing cut short: an empty or
+    // broken answer simply holds fewer messages.
+    sendCommand(AT::Commands::LIST_SMS, answer, LIST_SMS_TIMEOUT_MS);
+
+    // "+CMGL: <index>,<stat>,[<alpha>],<length>" and the PDU on the next line.
+    QRegExp rx(QStringLiteral("\\+CMGL:\\s+(\\d+),.*[\\r\\n]+([0-9A-Fa-f]+)[\\r\\n]+"), Qt::CaseSensitive,
+               QRegExp::RegExp);
+    rx.setMinimal(true);
+    const QString text = QString::fromUtf8(answer);
+    QList<int> indexes;
+    QList<SmsPart> parts;
+    int pos = 0;
+    while ((pos = rx.indexIn(text, pos)) >= 0) {
+        const int index = rx.cap(1).toInt();
+        const SmsPart part = Sms::decode(rx.cap(2));
+        qCDebug(AT_MODEM()).noquote() << QStringLiteral("SMS %1: %2").arg(index).arg(part.getText());
+        indexes << index;
+        parts << part;
+        pos += rx.matchedLength() > 0 ? rx.matchedLength() : 1;
+    }
+
+    const QList<Sms> joined = Sms::join(parts);
+    for (const Sms& sms : joined) {
+        if (sms.isValid())
+            messages.append(SSms{sms.getSenderAddress(), sms.getDateTime().toLocalTime(), sms.getText()});
+        else
+            qCWarning(AT_MODEM()).noquote() << sms.getErrorString();
+    }
+    std::stable_sort(messages.begin(), messages.end(),
+                     [](const SSms& a, const SSms& b) { return a.dateTime < b.dateTime; });
+
+    // Messages are consumed: what could not be read is deleted too, or it
+    // would fill the store and come back on every reading.
+    for (int index : qAsConst(indexes))
+        sendCommand(QByteArray(AT::Commands::DELETE_SMS) + QByteArray::number(index), answer, SHORT_TIMEOUT_MS);
+    return !messages.isEmpty();
+}
+
+bool AtModem::sendMessage(const QString& number, const QString& text)
+{
+    if (!portOpen())
+        return false;
+    enableLocalEcho(false);
+
+    QByteArray answer;
+    sendCommand(AT::Commands::SET_TEXT_MODE, answer, SHORT_TIMEOUT_MS);
+    answer.clear();
+    // The modem answers with its "> " prompt, not with a result code, so
+    // the command itself runs into its time-out; the prompt is what counts.
+    sendCommand(QByteArray(AT::Commands::SEND_SMS) + number.toUtf8(), answer, SHORT_TIMEOUT_MS);
+    if (!answer.contains('>'))
+        return false;
+
+    if (m_port->write(text.toUtf8() + CTRL_Z) <= 0)
+        return false;
+
+    // The network's confirmation takes a few seconds. Events go on being
+    // processed meanwhile; the timer only wakes the wait when nothing else
+    // does (it is restarted should it fire before the time is up).
+    QElapsedTimer clock;
+    clock.start();
+    // A thread without an event dispatcher (not started by QThread) has no
+    // timers and no events to wait for: it only spins.
+    const bool dispatcher = QAbstractEventDispatcher::instance() != nullptr;
+    QTimer wake;
+    wake.setSingleShot(true);
+    wake.setTimerType(Qt::PreciseTimer);
+    for (qint64 remaining = SEND_SMS_WAIT_MS; remaining > 0; remaining = SEND_SMS_WAIT_MS - clock.elapsed()) {
+        if (!portOpen())
+            return false;
+        if (!dispatcher) {
+            // Nothing drives the port's output there but its own waits.
+            if (m_port->bytesToWrite() > 0)
+                m_port->waitForBytesWritten(0);
+            QCoreApplication::processEvents();
+            continue;
+        }
+        if (!wake.isActive())
+            wake.start(int(remaining));
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+
+    if (!portOpen())
+        return false;
+    if (m_port->bytesAvailable() == 0)
+        m_port->waitForReadyRead(0);
+    const QByteArray reply = m_port->readAll();
+    qCDebug(AT_MODEM()).noquote() << "SMS" << logtab << number << logtab << logbinary(reply);
+    return !reply.isEmpty() && reply.contains("OK");
+}
+
+bool AtModem::requestSelfNumber(bool fromSms, const QString& code, QString& number)
+{
+    number.clear();
+    if (code.isEmpty())
+        return false;
+
+    if (fromSms) {
+        QString ignored;
+        if (!sendUSSD2(code, ignored))
+            return false;
+        QThread::sleep(SELF_NUMBER_SMS_PAUSE_S);
+        pollAt(5);
+        QList<SSms> messages;
+        if (!takeMessages(messages) || messages.isEmpty())
+            return true;
+
+        const QDateTime now = QDateTime::currentDateTime();
+        for (const SSms& sms : qAsConst(messages)) {
+            const qint64 age = sms.dateTime.secsTo(now);
+            qCInfo(AT_MODEM()).noquote() << sms.dateTime.toString(Qt::ISODate) << logtab << age;
+            // Older messages cannot be the answer to this request.
+            if (age > SELF_NUMBER_SMS_MAX_AGE_S)
+                continue;
+            number = nationalNumberIn(sms.text);
+            if (!number.isEmpty())
+                break;
+        }
+        return true;
+    }
+
+    QString reply;
+    const bool ok = sendUSSD(code, reply);
+    qCDebug(AT_MODEM()).noquote() << reply;
+    if (!ok)
+        return false;
+    // "+7 (912) 345-67-89" and the like: the digits in one run.
+    reply.remove(QLatin1Char('(')).remove(QLatin1Char(')')).remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
+    number = nationalNumberIn(reply);
+    return true;
 }

@@ -3,6 +3,8 @@
 #include "atcommands.h"
 
 #include <QByteArray>
+#include <QDateTime>
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -35,6 +37,20 @@ public:
         HUAWEI = 3,     // including the E171 and E3372
         ZTE = 4,        // ZTE, MF series
         HSPA = 5,       // modems that call themselves "HSPA Data Card"
+    };
+
+    // One received SMS, its parts joined.
+    struct SSms
+    {
+        QString sender;
+        QDateTime dateTime;   // the service centre's time stamp, local time
+        QString text;
+
+        bool operator==(const SSms& other) const
+        {
+            return sender == other.sender && dateTime == other.dateTime && text == other.text;
+        }
+        bool operator!=(const SSms& other) const { return !(*this == other); }
     };
 
     explicit AtModem(QObject* parent = nullptr);
@@ -135,6 +151,22 @@ public:
     bool getCUSDMessage(const QByteArray& answer, QString& message);
     // The signed amount in an operator's balance text; 0.0 when none.
     double parseModemBalance(const QString& text);
+
+    // ------------------------------------------------ own number and SMS
+
+    // Asks the operator for the SIM's own number with the USSD `code`: in
+    // the USSD reply, or (`fromSms`) in an SMS the operator sends back, read
+    // about 15 s later. The result says whether the request went through;
+    // `number` (ten national digits) stays empty when none was found.
+    bool requestSelfNumber(bool fromSms, const QString& code, QString& number);
+    // Reads every SMS the modem holds (PDU mode), joins the parts of long
+    // messages and deletes all listed messages from the modem, readable or
+    // not. The readable ones are added to `messages`, oldest first. True
+    // when `messages` is not empty.
+    bool takeMessages(QList<AtModem::SSms>& messages);
+    // Sends `text` to `number` in text mode. True when the modem confirmed
+    // the message within 3 s.
+    bool sendMessage(const QString& number, const QString& text);
 
 private:
     // Why a wait for the modem ended.

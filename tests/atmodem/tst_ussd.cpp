@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QTranslator>
 
 using namespace modemsim;
@@ -321,8 +322,12 @@ private slots:
         sim.setUssdReply("*100#", Ussd::ucs2(cyrillicBalance));
         sim.sendUnsolicited("\r\n+CREG: 1\r\n", 300);   // noise before the reply stays harmless
         LogRecorder log;
+        // The caller's events keep being processed during the wait.
+        int ticks = 0;
+        QTimer::singleShot(1500, [&ticks] { ++ticks; });
         QString message;
         QVERIFY(modem.sendUSSD(QStringLiteral("*100#"), message));
+        QCOMPARE(ticks, 1);
         QCOMPARE(message, cyrillicBalance);
         QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt 3.")), 1);
         QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt 4.")), 0);

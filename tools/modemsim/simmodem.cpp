@@ -106,6 +106,66 @@ QByteArray Ussd::unpack(const QByteArray& octets)
     return out;
 }
 
+namespace {
+
+// Digits in semi-octets, low nibble first, "F" filling an odd count.
+QByteArray semiOctets(QByteArray digits)
+{
+    if (digits.size() % 2)
+        digits.append('F');
+    QByteArray out;
+    for (int i = 0; i < digits.size(); i += 2)
+        out += digits.mid(i + 1, 1) + digits.mid(i, 1);
+    return out;
+}
+
+QByteArray octet(int value)
+{
+    return QByteArray::number(value & 0xff, 16).rightJustified(2, '0').toUpper();
+}
+
+QByteArray deliverHeader(const QByteArray& sender, bool udh)
+{
+    QByteArray pdu = "07919730071111F1";   // service centre +79037011111
+    pdu += udh ? "44" : "04";               // SMS-DELIVER, no more messages
+    bool letters = false;
+    for (char c : sender)
+        letters |= QChar::fromLatin1(c).isLetter();
+    if (letters) {
+        const QByteArray packed = Ussd::pack(sender);
+        pdu += octet((sender.size() * 7 + 3) / 4) + "D0" + packed.toHex().toUpper();
+    } else {
+        const bool international = sender.startsWith('+');
+        const QByteArray digits = international ? sender.mid(1) : sender;
+        pdu += octet(digits.size()) + (international ? "91" : "81") + semiOctets(digits);
+    }
+    return pdu + "00";   // protocol identifier
+}
+
+QByteArray timestamp(const QDateTime& time)
+{
+    return semiOctets(time.toString(QStringLiteral("yyMMddHHmmss")).toLatin1()) + "00";
+}
+
+} // namespace
+
+QByteArray DeliverPdu::gsm7(const QByteArray& sender, const QDateTime& time, const QByteArray& text)
+{
+    return deliverHeader(sender, false) + "00" + timestamp(time) + octet(text.size())
+        + Ussd::pack(text).toHex().toUpper();
+}
+
+QByteArray DeliverPdu::ucs2(const QByteArray& sender, const QDateTime& time, const QString& text, int reference,
+                            int part, int total)
+{
+    QByteArray data;
+    if (total > 1)
+        data += QByteArray::fromHex("050003") + char(reference) + char(total) + char(part);
+    for (QChar c : text)
+        data += char(c.unicode() >> 8) + QByteArray(1, char(c.unicode() & 0xff));
+    return deliverHeader(sender, total > 1) + "08" + timestamp(time) + octet(data.size()) + data.toHex().toUpper();
+}
+
 struct StoredSms
 {
     int status = 1;

@@ -2,6 +2,7 @@
 #include "simprofile.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QList>
 #include <QMap>
 #include <QPair>
@@ -60,6 +61,21 @@ struct Ussd
     // The inverse; a trailing zero septet (the unused bits of the last
     // octet) is dropped.
     static QByteArray unpack(const QByteArray& octets);
+};
+
+// SMS-DELIVER PDUs in hexadecimal, service-centre address included, as a
+// modem lists them in PDU mode; for filling the SMS store. The sender is
+// international when it begins with "+", alphanumeric when it holds a
+// letter, else of unknown type. The time stamp is written as it is, with a
+// zero time zone.
+struct DeliverPdu
+{
+    // GSM 7-bit text (ASCII characters taken as septets).
+    static QByteArray gsm7(const QByteArray& sender, const QDateTime& time, const QByteArray& text);
+    // UCS2 text; with `total` > 1 a concatenation header (8-bit reference
+    // `reference`, part `part` of `total`, counted from 1) goes in front.
+    static QByteArray ucs2(const QByteArray& sender, const QDateTime& time, const QString& text,
+                           int reference = 0, int part = 1, int total = 1);
 };
 
 // One command as the modem received it.
