@@ -70,7 +70,9 @@ Report dispatch(const QStringList& args)
             return entry.run(args.mid(name.count(QLatin1Char(' ')) + 1));
     }
     if (first == QLatin1String("sms") || first == QLatin1String("pdu")) {
-        const QString second = args.value(1);
+        QString second = args.value(1);
+        if (second.startsWith(QLatin1Char('-')))
+            second.clear();
         report.fail(second.isEmpty()
                         ? QStringLiteral("%1 needs a subcommand: %2").arg(first, first == QLatin1String("sms")
                                                                                   ? QStringLiteral("list or send")

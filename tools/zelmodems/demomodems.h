@@ -45,12 +45,6 @@ public:
     // The udev-style link to the USB modem's data interface.
     QString dataPortLink() const;
 
-    // An SMS-DELIVER PDU (service-centre part first, as a modem lists it):
-    // 7-bit text from a number or an alphanumeric sender, or UCS2 text,
-    // optionally as part `part` of `count` of a concatenated message.
-    static QByteArray deliverPdu(const QString& sender, const QString& text, const QDateTime& sent,
-                                 bool ucs2, int reference = -1, int part = 1, int count = 1);
-
 private:
     modemsim::SimModem* add(const QString& name, std::unique_ptr<modemsim::SimModem> modem,
                             const QString& description, bool usb, QString* error);

@@ -44,5 +44,6 @@ int main(int argc, char** argv)
     // included), for the whole run.
     ToolPortInfo ports;
     const Report report = commands::dispatch(args);
-    return report.print(QStringLiteral("zelmodems ") + commands::nameOf(args));
+    const QString name = commands::nameOf(args);
+    return report.print(name.isEmpty() ? QStringLiteral("zelmodems") : QStringLiteral("zelmodems ") + name);
 }

@@ -37,12 +37,16 @@ QStringList indented(const QString& text)
 
 void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
 {
-    // The decoder takes the PDU as the modem lists it, service centre first.
-    const SmsPart part = Sms::decode(withServiceCentre ? hex : QStringLiteral("00") + hex);
+    // The decoder takes the PDU as the modem lists it, with the centre it
+    // came through in front, and refuses an empty centre: a PDU without one
+    // gets a centre address of just its type octet.
+    const SmsPart part = Sms::decode(withServiceCentre ? hex : QStringLiteral("0191") + hex);
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("type"), QStringLiteral("SMS-DELIVER"));
     if (!part.isValid()) {
-        report.fail(QStringLiteral("invalid SMS-DELIVER: %1").arg(part.getErrorString()));
+        const QString why = part.getErrorString();
+        report.fail(QStringLiteral("invalid SMS-DELIVER: %1")
+                        .arg(why.isEmpty() ? QStringLiteral("the service centre address cannot be read") : why));
         return;
     }
     report.line(QStringLiteral("SMS-DELIVER"));

@@ -1,0 +1,87 @@
+#pragma once
+// Runs the zelmodems program as a user does and hands back what it printed:
+// exit status, standard output, standard error, the output read as JSON.
+#include "simmodem.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
+#include <QtTest>
+
+#include <memory>
+
+namespace clitest {
+
+struct Result
+{
+    int exitCode = -1;
+    bool finished = false;
+    QString out;
+    QString err;
+
+    // Standard output as a JSON object; `ok` false when it is not one.
+    QJsonObject json(bool* ok = nullptr) const
+    {
+        QJsonParseError error;
+        const QJsonDocument doc = QJsonDocument::fromJson(out.toUtf8(), &error);
+        if (ok)
+            *ok = error.error == QJsonParseError::NoError && doc.isObject();
+        return doc.object();
+    }
+    // For failure messages of the tests.
+    QByteArray describe() const
+    {
+        return QStringLiteral("exit %1\n--- stdout\n%2--- stderr\n%3").arg(exitCode).arg(out, err).toUtf8();
+    }
+};
+
+inline QProcessEnvironment environment()
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    // English messages whatever the machine's language; UTF-8 arguments.
+    env.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    env.remove(QStringLiteral("QT_LOGGING_RULES"));
+    return env;
+}
+
+inline Result run(const QStringList& args, int timeoutMs = 30000,
+                  const QProcessEnvironment& env = environment())
+{
+    QProcess process;
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(ZELMODEMS_PATH), args);
+    Result result;
+    if (!process.waitForStarted(10000))
+        return result;
+    result.finished = process.waitForFinished(timeoutMs);
+    if (!result.finished) {
+        process.kill();
+        process.waitForFinished(2000);
+    }
+    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    result.out = QString::fromUtf8(process.readAllStandardOutput());
+    result.err = QString::fromUtf8(process.readAllStandardError());
+    return result;
+}
+
+// A started simulated modem of `make`, or null (the test then fails).
+inline std::unique_ptr<modemsim::SimModem> startModem(const modemsim::Profile& profile)
+{
+    auto modem = std::make_unique<modemsim::SimModem>(profile);
+    QString error;
+    if (!modem->start(&error)) {
+        qWarning("cannot start a simulated modem: %s", qPrintable(error));
+        return nullptr;
+    }
+    return modem;
+}
+
+inline std::unique_ptr<modemsim::SimModem> startModem(modemsim::Make make)
+{
+    return startModem(modemsim::Profile::forMake(make));
+}
+
+} // namespace clitest

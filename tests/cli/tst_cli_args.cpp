@@ -1,0 +1,312 @@
+// zelmodems without modems: argument handling, help, the PDU toolkit
+// commands, missing ports and the wvdialconf runner with stand-in programs.
+#include "clifixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+
+using clitest::run;
+
+namespace {
+
+bool writeScript(const QString& path, const QByteArray& body)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    file.write("#!/bin/sh\n" + body);
+    file.close();
+    return file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+class TestCliArgs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void usageErrors_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no command") << QStringList() << "Usage: zelmodems <command>";
+        QTest::newRow("unknown command") << QStringList{"bogus"} << "unknown command \"bogus\"";
+        QTest::newRow("sms alone") << QStringList{"sms"} << "sms needs a subcommand: list or send";
+        QTest::newRow("unknown sms command") << QStringList{"sms", "read", "ttyS0"} << "unknown command \"sms read\"";
+        QTest::newRow("pdu alone") << QStringList{"pdu"} << "pdu needs a subcommand: encode or explain";
+        QTest::newRow("no port") << QStringList{"info"} << "zelmodems info: PORT is missing";
+        QTest::newRow("extra argument") << QStringList{"signal", "ttyS0", "ttyS1"}
+                                        << "zelmodems signal: unexpected argument \"ttyS1\"";
+        QTest::newRow("bad baud") << QStringList{"info", "ttyS0", "--baud", "fast"}
+                                  << "--baud takes a positive number, not \"fast\"";
+        QTest::newRow("negative baud") << QStringList{"cells", "ttyS0", "--baud=-9600"}
+                                       << "--baud takes a positive number";
+        QTest::newRow("bad attempts") << QStringList{"operator", "ttyS0", "--attempts", "0"}
+                                      << "--attempts takes a number from 1 to 10";
+        QTest::newRow("unknown option") << QStringList{"balance", "ttyS0", "--frobnicate"}
+                                        << "Unknown option 'frobnicate'";
+        QTest::newRow("option without value") << QStringList{"balance", "ttyS0", "--code"}
+                                              << "Missing value after '--code'";
+        QTest::newRow("sms text missing") << QStringList{"sms", "send", "ttyS0", "+79161234567"}
+                                          << "zelmodems sms send: TEXT is missing";
+        QTest::newRow("ussd code missing") << QStringList{"ussd", "ttyS0"} << "CODE is missing";
+        QTest::newRow("own-number both ways") << QStringList{"own-number", "ttyS0", "--sms", "--ussd-reply"}
+                                              << "--sms and --ussd-reply exclude each other";
+        QTest::newRow("bad alphabet") << QStringList{"pdu", "encode", "+79161234567", "x", "--alphabet", "klingon"}
+                                      << "--alphabet takes auto, gsm7, 8bit or ucs2";
+        QTest::newRow("bad validity") << QStringList{"pdu", "encode", "+79161234567", "x", "--validity", "0"}
+                                      << "--validity takes a positive number of minutes";
+        QTest::newRow("reference too big") << QStringList{"pdu", "encode", "1", "x", "--reference", "256"}
+                                           << "--reference takes a number from 0 to 255";
+        QTest::newRow("not hexadecimal") << QStringList{"pdu", "explain", "07zz"} << "\"07zz\" is not hexadecimal";
+        QTest::newRow("odd digits") << QStringList{"pdu", "explain", "079"} << "is not hexadecimal octets";
+        QTest::newRow("bad timeout") << QStringList{"wvdialconf", "--timeout", "soon"}
+                                     << "--timeout takes milliseconds";
+    }
+
+    void usageErrors()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, message);
+        for (const bool json : {false, true}) {
+            if (json && args.isEmpty())
+                continue;
+            // --json right after the command's name: no option's value.
+            QStringList words = args;
+            const bool twoWords = (args.value(0) == "sms" || args.value(0) == "pdu") && args.size() > 1;
+            if (json)
+                words.insert(twoWords ? 2 : 1, QStringLiteral("--json"));
+            const clitest::Result r = run(words);
+            QVERIFY2(r.finished, r.describe());
+            QCOMPARE(r.exitCode, 2);
+            QVERIFY2(r.err.contains(message), r.describe());
+            QVERIFY2(r.out.isEmpty(), r.describe());
+        }
+    }
+
+    void help_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::addColumn<QString>("mentions");
+        QTest::newRow("find") << QStringList{"find"} << "[PORT...]";
+        QTest::newRow("info") << QStringList{"info"} << "--baud <rate>";
+        QTest::newRow("signal") << QStringList{"signal"} << "-109 to -90";
+        QTest::newRow("cells") << QStringList{"cells"} << "neighbour";
+        QTest::newRow("operator") << QStringList{"operator"} << "operator table";
+        QTest::newRow("balance") << QStringList{"balance"} << "--code <code>";
+        QTest::newRow("ussd") << QStringList{"ussd"} << "CODE";
+        QTest::newRow("own-number") << QStringList{"own-number"} << "--ussd-reply";
+        QTest::newRow("sms list") << QStringList{"sms", "list"} << "deleted from the\nmodem";
+        QTest::newRow("sms send") << QStringList{"sms", "send"} << "NUMBER TEXT";
+        QTest::newRow("pdu encode") << QStringList{"pdu", "encode"} << "--status-report";
+        QTest::newRow("pdu explain") << QStringList{"pdu", "explain"} << "--no-smsc";
+        QTest::newRow("wvdialconf") << QStringList{"wvdialconf"} << "DROPPED";
+        QTest::newRow("demo") << QStringList{"demo"} << "No hardware";
+    }
+
+    void help()
+    {
+        QFETCH(QStringList, command);
+        QFETCH(QString, mentions);
+        const clitest::Result r = run(command + QStringList{"--help"});
+        QCOMPARE(r.exitCode, 0);
+        const QString usage = QStringLiteral("Usage: zelmodems %1 [options]").arg(command.join(' '));
+        QVERIFY2(r.out.startsWith(usage), r.describe());
+        QVERIFY2(r.out.contains("--json") && r.out.contains("--verbose"), r.describe());
+        QVERIFY2(r.out.contains(mentions), r.describe());
+        QVERIFY2(r.err.isEmpty(), r.describe());
+    }
+
+    void overviewListsEveryCommand()
+    {
+        const clitest::Result r = run({"--help"});
+        QCOMPARE(r.exitCode, 0);
+        for (const char* name : {"find", "info", "signal", "cells", "operator", "balance", "ussd", "own-number",
+                                 "sms list", "sms send", "pdu encode", "pdu explain", "wvdialconf", "demo"})
+            QVERIFY2(r.out.contains(QStringLiteral("\n  %1 ").arg(name)), name);
+    }
+
+    void missingPort_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("device path") << QStringList{"info", "/nonexistent/ttyUSB7"}
+                                     << "zelmodems info: no such port: /nonexistent/ttyUSB7";
+        QTest::newRow("bare name") << QStringList{"sms", "list", "ttyNOSUCH9"}
+                                   << "zelmodems sms list: no such port: ttyNOSUCH9";
+        QTest::newRow("balance") << QStringList{"balance", "/dev/ttyNOSUCH9", "--code", "*100#"}
+                                 << "no such port: /dev/ttyNOSUCH9";
+        QTest::newRow("find") << QStringList{"find", "/nonexistent/ttyUSB7", "ttyNOSUCH9"}
+                              << "zelmodems find: There no devices finded (2 port(s) probed";
+    }
+
+    void missingPort()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, message);
+        for (const bool json : {false, true}) {
+            const clitest::Result r = run(json ? args + QStringList{"--json"} : args);
+            QCOMPARE(r.exitCode, 1);
+            QVERIFY2(r.err.contains(message), r.describe());
+            QVERIFY2(r.out.isEmpty(), r.describe());
+        }
+    }
+
+    void pduEncode()
+    {
+        // "Hello" to +79161234567: SMS-SUBMIT, reference 0, international
+        // number, default alphabet, no validity period.
+        const QString hex = QStringLiteral("0001000B919761214365F7000005C8329BFD06");
+        const clitest::Result text = run({"pdu", "encode", "+79161234567", "Hello"});
+        QCOMPARE(text.exitCode, 0);
+        QCOMPARE(text.out, QStringLiteral("AT+CMGS=18\n%1\n").arg(hex));
+
+        bool ok = false;
+        const clitest::Result json = run({"pdu", "encode", "+79161234567", "Hello", "--json"});
+        const QJsonArray parts = json.json(&ok).value("parts").toArray();
+        QVERIFY2(ok, json.describe());
+        QCOMPARE(parts.size(), 1);
+        QCOMPARE(parts.at(0).toObject().value("pdu").toString(), hex);
+        QCOMPARE(parts.at(0).toObject().value("tpduLength").toInt(), 18);
+        QCOMPARE(parts.at(0).toObject().value("count").toInt(), 1);
+    }
+
+    void pduEncodeLongTextInParts()
+    {
+        const clitest::Result r = run({"pdu", "encode", "+79161234567", QString(200, QLatin1Char('x')), "--reference",
+                                       "7", "--json"});
+        QCOMPARE(r.exitCode, 0);
+        const QJsonArray parts = r.json().value("parts").toArray();
+        QCOMPARE(parts.size(), 2);
+        for (int i = 0; i < 2; ++i) {
+            const QJsonObject part = parts.at(i).toObject();
+            QCOMPARE(part.value("part").toInt(), i + 1);
+            QCOMPARE(part.value("count").toInt(), 2);
+            // Each part carries the concatenation header with reference 7.
+            QVERIFY(part.value("pdu").toString().contains(QStringLiteral("05000307020%1").arg(i + 1)));
+        }
+        const clitest::Result text = run({"pdu", "encode", "+79161234567", QString(200, QLatin1Char('x'))});
+        QVERIFY(text.out.contains("Part 1 of 2:\nAT+CMGS=") && text.out.contains("Part 2 of 2:\nAT+CMGS="));
+    }
+
+    void pduEncodeRejectsBadNumber()
+    {
+        const clitest::Result r = run({"pdu", "encode", "call me", "Hello"});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains("zelmodems pdu encode: cannot encode the message"), r.describe());
+    }
+
+    void pduExplain_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("line");
+        // SMS-DELIVER from +79161234567, "Hello", 2022-11-22 17:18:05 +03.
+        QTest::newRow("deliver") << QStringList{"07919761980614F8040B919761214365F700002211227181502105C8329BFD06"}
+                                 << "SMS-DELIVER" << "text" << "Hello" << "  Sender: +79161234567";
+        QTest::newRow("deliver without service centre")
+            << QStringList{"040B919761214365F700002211227181502105C8329BFD06", "--no-smsc"} << "SMS-DELIVER"
+            << "sender" << "+79161234567" << "  Text: Hello";
+        // SMS-SUBMIT of "Привет" in UCS2 with a status report requested.
+        QTest::newRow("submit") << QStringList{"0021000B919761214365F700080C041F04400438043204350442"}
+                                << "SMS-SUBMIT" << "alphabet" << "ucs2" << "  Text: Привет";
+        // SMS-STATUS-REPORT for message 42: received by the recipient.
+        QTest::newRow("status report")
+            << QStringList{"00062A0B919761214365F72211227181502122112271815521" "00"} << "SMS-STATUS-REPORT"
+            << "recipient" << "+79161234567" << "  Message reference: 42";
+    }
+
+    void pduExplain()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, type);
+        QFETCH(QString, key);
+        QFETCH(QString, value);
+        QFETCH(QString, line);
+        const clitest::Result text = run(QStringList{"pdu", "explain"} + args);
+        QCOMPARE(text.exitCode, 0);
+        QVERIFY2(text.out.startsWith(type + '\n'), text.describe());
+        QVERIFY2(text.out.split('\n').contains(line), text.describe());
+
+        bool ok = false;
+        const clitest::Result json = run(QStringList{"pdu", "explain", "--json"} + args);
+        const QJsonObject object = json.json(&ok);
+        QVERIFY2(ok, json.describe());
+        QCOMPARE(object.value("type").toString(), type);
+        QCOMPARE(object.value(key).toString(), value);
+    }
+
+    void pduExplainHeaderAndBrokenPdu()
+    {
+        const clitest::Result header = run({"pdu", "explain", "--udh", "05 00 03 cc 02 01"});
+        QCOMPARE(header.exitCode, 0);
+        QVERIFY2(header.out.contains("reference 204, part 1 of 2"), header.describe());
+
+        // A DELIVER that ends after its first octet.
+        const clitest::Result broken = run({"pdu", "explain", "0004"});
+        QCOMPARE(broken.exitCode, 1);
+        QVERIFY2(broken.err.contains("zelmodems pdu explain: invalid SMS-DELIVER"), broken.describe());
+
+        const clitest::Result empty = run({"pdu", "explain", "05"});
+        QCOMPARE(empty.exitCode, 1);
+        QVERIFY2(empty.err.contains("the PDU ends before its first octet"), empty.describe());
+    }
+
+    void wvdialconf()
+    {
+        QTemporaryDir dir;
+        QVERIFY(dir.isValid());
+        const QString bin = dir.filePath("bin");
+        const QString work = dir.filePath("work");
+        QVERIFY(QDir().mkpath(bin) && QDir().mkpath(work + "/modems"));
+        // No process of the machine is stopped: sudo is a stand-in that
+        // records what it was asked.
+        QVERIFY(writeScript(bin + "/sudo", "echo \"$*\" >> '" + dir.filePath("sudo.log").toUtf8() + "'\n"));
+        QVERIFY(writeScript(bin + "/wvdialconf",
+                            "printf '[Dialer Defaults]\\nModem = /dev/ttyUSB0\\nBaud = 460800\\n' > \"$1\"\n"));
+        QFile conf(dir.filePath("zel5.conf"));
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nworkDir=" + work.toUtf8() + "\n");
+        conf.close();
+
+        QProcessEnvironment env = clitest::environment();
+        env.insert("PATH", bin + ":" + env.value("PATH"));
+        env.insert("QT5EXT_INITCONFIG", conf.fileName());
+        const clitest::Result r =
+            run({"wvdialconf", "--program", bin + "/wvdialconf", "--timeout", "10000", "--json"}, 30000, env);
+        QCOMPARE(r.exitCode, 0);
+        const QJsonObject json = r.json();
+        QCOMPARE(json.value("searchFile").toString(), work + "/modems/wvdial.conf.srch");
+        QCOMPARE(json.value("content").toString(),
+                 QStringLiteral("[Dialer Defaults]\nModem = /dev/ttyUSB0\nBaud = 460800\n"));
+        QCOMPARE(readFile(dir.filePath("sudo.log")), QByteArray("killall pppd\nkillall wvdial\n"));
+
+        // Without the program nothing is stopped and the user is told why.
+        QFile::remove(dir.filePath("sudo.log"));
+        const clitest::Result missing = run({"wvdialconf", "--program", bin + "/none"}, 30000, env);
+        QCOMPARE(missing.exitCode, 1);
+        QVERIFY2(missing.err.contains("is not there or not executable"), missing.describe());
+        QVERIFY(!QFile::exists(dir.filePath("sudo.log")));
+
+        // A program that writes nothing.
+        QVERIFY(writeScript(bin + "/silent", "exit 1\n"));
+        QFile::remove(work + "/modems/wvdial.conf.srch");
+        const clitest::Result silent = run({"wvdialconf", "--program", bin + "/silent"}, 30000, env);
+        QCOMPARE(silent.exitCode, 1);
+        QVERIFY2(silent.err.contains("did not write " + work + "/modems/wvdial.conf.srch"), silent.describe());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCliArgs)
+#include "tst_cli_args.moc"
