@@ -120,6 +120,501 @@
     </message>
 </context>
 <context>
+    <name>PDU</name>
+    <message>
+        <source>Not hexadecimal text: character &apos;%1&apos; after %2 digits</source>
+        <translation>Текст не является шестнадцатеричным: символ &apos;%1&apos;, перед ним цифр: %2</translation>
+    </message>
+    <message>
+        <source>Odd number of hexadecimal digits (%1)</source>
+        <translation>Нечётное число шестнадцатеричных цифр (%1)</translation>
+    </message>
+    <message>
+        <source>Empty PDU</source>
+        <translation>Пустой PDU</translation>
+    </message>
+    <message>
+        <source>Truncated in %1 at octet %2 (%3 needed, %4 left)</source>
+        <translation>Данные обрываются при чтении %1 на октете %2 (нужно %3, осталось %4)</translation>
+    </message>
+    <message>
+        <source>unknown type</source>
+        <translation>неизвестный тип</translation>
+    </message>
+    <message>
+        <source>international</source>
+        <translation>международный</translation>
+    </message>
+    <message>
+        <source>national</source>
+        <translation>национальный</translation>
+    </message>
+    <message>
+        <source>network specific</source>
+        <translation>специфичный для сети</translation>
+    </message>
+    <message>
+        <source>subscriber</source>
+        <translation>абонентский</translation>
+    </message>
+    <message>
+        <source>alphanumeric</source>
+        <translation>буквенно-цифровой</translation>
+    </message>
+    <message>
+        <source>abbreviated</source>
+        <translation>сокращённый</translation>
+    </message>
+    <message>
+        <source>reserved type</source>
+        <translation>зарезервированный тип</translation>
+    </message>
+    <message>
+        <source>invalid (%1)</source>
+        <translation>недопустимое значение (%1)</translation>
+    </message>
+    <message>
+        <source>Concatenated short messages, 8-bit reference</source>
+        <translation>Составные короткие сообщения, 8-битная ссылка</translation>
+    </message>
+    <message>
+        <source>Special SMS message indication</source>
+        <translation>Индикация специального SMS-сообщения</translation>
+    </message>
+    <message>
+        <source>Application port addressing, 8-bit address</source>
+        <translation>Адресация портов приложений, 8-битный адрес</translation>
+    </message>
+    <message>
+        <source>Application port addressing, 16-bit address</source>
+        <translation>Адресация портов приложений, 16-битный адрес</translation>
+    </message>
+    <message>
+        <source>SMSC control parameters</source>
+        <translation>Параметры управления SMSC</translation>
+    </message>
+    <message>
+        <source>UDH source indicator</source>
+        <translation>Индикатор источника UDH</translation>
+    </message>
+    <message>
+        <source>Concatenated short messages, 16-bit reference</source>
+        <translation>Составные короткие сообщения, 16-битная ссылка</translation>
+    </message>
+    <message>
+        <source>Wireless control message protocol</source>
+        <translation>Протокол беспроводных управляющих сообщений (WCMP)</translation>
+    </message>
+    <message>
+        <source>Text formatting</source>
+        <translation>Форматирование текста</translation>
+    </message>
+    <message>
+        <source>Predefined sound</source>
+        <translation>Предопределённый звук</translation>
+    </message>
+    <message>
+        <source>User defined sound</source>
+        <translation>Пользовательский звук</translation>
+    </message>
+    <message>
+        <source>Predefined animation</source>
+        <translation>Предопределённая анимация</translation>
+    </message>
+    <message>
+        <source>Large animation</source>
+        <translation>Большая анимация</translation>
+    </message>
+    <message>
+        <source>Small animation</source>
+        <translation>Малая анимация</translation>
+    </message>
+    <message>
+        <source>Large picture</source>
+        <translation>Большое изображение</translation>
+    </message>
+    <message>
+        <source>Small picture</source>
+        <translation>Малое изображение</translation>
+    </message>
+    <message>
+        <source>Variable picture</source>
+        <translation>Изображение переменного размера</translation>
+    </message>
+    <message>
+        <source>User prompt indicator</source>
+        <translation>Индикатор запроса к пользователю</translation>
+    </message>
+    <message>
+        <source>Extended object</source>
+        <translation>Расширенный объект</translation>
+    </message>
+    <message>
+        <source>Reused extended object</source>
+        <translation>Повторно используемый расширенный объект</translation>
+    </message>
+    <message>
+        <source>Compression control</source>
+        <translation>Управление сжатием</translation>
+    </message>
+    <message>
+        <source>Object distribution indicator</source>
+        <translation>Индикатор распространения объекта</translation>
+    </message>
+    <message>
+        <source>Standard WVG object</source>
+        <translation>Стандартный объект WVG</translation>
+    </message>
+    <message>
+        <source>Character size WVG object</source>
+        <translation>Объект WVG размером с символ</translation>
+    </message>
+    <message>
+        <source>Extended object data request command</source>
+        <translation>Команда запроса данных расширенного объекта</translation>
+    </message>
+    <message>
+        <source>RFC 822 e-mail header</source>
+        <translation>Заголовок электронной почты RFC 822</translation>
+    </message>
+    <message>
+        <source>Hyperlink format element</source>
+        <translation>Элемент формата гиперссылки</translation>
+    </message>
+    <message>
+        <source>Reply address element</source>
+        <translation>Элемент адреса для ответа</translation>
+    </message>
+    <message>
+        <source>Enhanced voice mail information</source>
+        <translation>Расширенная информация голосовой почты</translation>
+    </message>
+    <message>
+        <source>National language single shift</source>
+        <translation>Однократное переключение на таблицу национального языка</translation>
+    </message>
+    <message>
+        <source>National language locking shift</source>
+        <translation>Фиксированное переключение на таблицу национального языка</translation>
+    </message>
+    <message>
+        <source>SIM toolkit security header</source>
+        <translation>Заголовок безопасности SIM Toolkit</translation>
+    </message>
+    <message>
+        <source>SME to SME specific use</source>
+        <translation>для использования между SME</translation>
+    </message>
+    <message>
+        <source>SC specific use</source>
+        <translation>для использования в SC</translation>
+    </message>
+    <message>
+        <source>reserved</source>
+        <translation>резерв</translation>
+    </message>
+    <message>
+        <source>reserved language</source>
+        <translation>зарезервированный код языка</translation>
+    </message>
+    <message>
+        <source>voice message waiting</source>
+        <translation>ожидают голосовые сообщения</translation>
+    </message>
+    <message>
+        <source>fax message waiting</source>
+        <translation>ожидают факсимильные сообщения</translation>
+    </message>
+    <message>
+        <source>electronic mail message waiting</source>
+        <translation>ожидают сообщения электронной почты</translation>
+    </message>
+    <message>
+        <source>other message waiting</source>
+        <translation>ожидают другие сообщения</translation>
+    </message>
+    <message>
+        <source>%1, %2 waiting, %3</source>
+        <translation>%1, количество: %2, %3</translation>
+    </message>
+    <message>
+        <source>store the message</source>
+        <translation>сохранить сообщение</translation>
+    </message>
+    <message>
+        <source>discard the message</source>
+        <translation>не сохранять сообщение</translation>
+    </message>
+    <message>
+        <source>reference %1, part %2 of %3</source>
+        <translation>ссылка %1, часть %2 из %3</translation>
+    </message>
+    <message>
+        <source> (inconsistent: the part is to be ignored)</source>
+        <translation> (противоречивые данные: часть следует игнорировать)</translation>
+    </message>
+    <message>
+        <source>destination port %1, originator port %2</source>
+        <translation>порт назначения %1, порт отправителя %2</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>Invalid status value</source>
+        <translation>Недопустимое значение статуса</translation>
+    </message>
+    <message>
+        <source>Reserved</source>
+        <translation>Зарезервированное значение</translation>
+    </message>
+    <message>
+        <source>Short message received by the SME</source>
+        <translation>Короткое сообщение получено SME</translation>
+    </message>
+    <message>
+        <source>Short message forwarded by the SC to the SME but the SC is unable to confirm delivery</source>
+        <translation>Короткое сообщение передано SC в SME, но SC не может подтвердить доставку</translation>
+    </message>
+    <message>
+        <source>Short message replaced by the SC</source>
+        <translation>Короткое сообщение заменено SC</translation>
+    </message>
+    <message>
+        <source>Remote procedure error</source>
+        <translation>Ошибка удалённой процедуры</translation>
+    </message>
+    <message>
+        <source>Incompatible destination</source>
+        <translation>Несовместимый адресат</translation>
+    </message>
+    <message>
+        <source>Connection rejected by SME</source>
+        <translation>Соединение отклонено SME</translation>
+    </message>
+    <message>
+        <source>Not obtainable</source>
+        <translation>Адресат недоступен</translation>
+    </message>
+    <message>
+        <source>Quality of service not available</source>
+        <translation>Требуемое качество обслуживания недоступно</translation>
+    </message>
+    <message>
+        <source>No interworking available</source>
+        <translation>Межсетевое взаимодействие невозможно</translation>
+    </message>
+    <message>
+        <source>SM validity period expired</source>
+        <translation>Истёк срок действия короткого сообщения</translation>
+    </message>
+    <message>
+        <source>SM deleted by originating SME</source>
+        <translation>Короткое сообщение удалено SME-отправителем</translation>
+    </message>
+    <message>
+        <source>SM deleted by SC administration</source>
+        <translation>Короткое сообщение удалено администрацией SC</translation>
+    </message>
+    <message>
+        <source>SM does not exist</source>
+        <translation>Короткое сообщение не существует</translation>
+    </message>
+    <message>
+        <source>Congestion</source>
+        <translation>Перегрузка</translation>
+    </message>
+    <message>
+        <source>SME busy</source>
+        <translation>SME занят</translation>
+    </message>
+    <message>
+        <source>No response from SME</source>
+        <translation>Нет ответа от SME</translation>
+    </message>
+    <message>
+        <source>Service rejected</source>
+        <translation>В обслуживании отказано</translation>
+    </message>
+    <message>
+        <source>Error in SME</source>
+        <translation>Ошибка в SME</translation>
+    </message>
+    <message>
+        <source>Specific to the service centre</source>
+        <translation>Значение, определяемое сервисным центром</translation>
+    </message>
+    <message>
+        <source>Invalid recipient number &quot;%1&quot;</source>
+        <translation>Неверный номер получателя &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Invalid service centre number &quot;%1&quot;</source>
+        <translation>Неверный номер сервисного центра &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Text messages are sent in the GSM 7-bit or UCS2 alphabet</source>
+        <translation>Текстовые сообщения отправляются в 7-битном алфавите GSM или в UCS2</translation>
+    </message>
+    <message>
+        <source>The text has characters outside the GSM 7-bit alphabet</source>
+        <translation>Текст содержит символы вне 7-битного алфавита GSM</translation>
+    </message>
+    <message>
+        <source>The text needs %1 messages, more than %2</source>
+        <translation>Для текста нужно сообщений: %1, это больше %2</translation>
+    </message>
+    <message>
+        <source>the service centre address</source>
+        <translation>адреса сервисного центра</translation>
+    </message>
+    <message>
+        <source>the first octet</source>
+        <translation>первого октета</translation>
+    </message>
+    <message>
+        <source>Not an SMS-SUBMIT (message type indicator %1)</source>
+        <translation>Это не SMS-SUBMIT (индикатор типа сообщения %1)</translation>
+    </message>
+    <message>
+        <source>the message reference</source>
+        <translation>ссылки на сообщение</translation>
+    </message>
+    <message>
+        <source>the destination address</source>
+        <translation>адреса назначения</translation>
+    </message>
+    <message>
+        <source>the protocol identifier</source>
+        <translation>идентификатора протокола</translation>
+    </message>
+    <message>
+        <source>the data coding scheme</source>
+        <translation>схемы кодирования данных</translation>
+    </message>
+    <message>
+        <source>the validity period</source>
+        <translation>срока действия</translation>
+    </message>
+    <message>
+        <source>the user data length</source>
+        <translation>длины пользовательских данных</translation>
+    </message>
+    <message>
+        <source>the user data</source>
+        <translation>пользовательских данных</translation>
+    </message>
+    <message>
+        <source>The user data header (%1 octets) is longer than the user data (%2)</source>
+        <translation>Заголовок пользовательских данных (длина %1) длиннее самих пользовательских данных (%2)</translation>
+    </message>
+    <message>
+        <source>Not an SMS-STATUS-REPORT (message type indicator %1, %2)</source>
+        <translation>Это не SMS-STATUS-REPORT (индикатор типа сообщения %1, %2)</translation>
+    </message>
+    <message>
+        <source>the recipient address</source>
+        <translation>адреса получателя</translation>
+    </message>
+    <message>
+        <source>the service centre time stamp</source>
+        <translation>отметки времени сервисного центра</translation>
+    </message>
+    <message>
+        <source>the discharge time</source>
+        <translation>времени завершения</translation>
+    </message>
+    <message>
+        <source>the status</source>
+        <translation>статуса</translation>
+    </message>
+    <message>
+        <source>Invalid SMS-STATUS-REPORT: %1</source>
+        <translation>Некорректный SMS-STATUS-REPORT: %1</translation>
+    </message>
+    <message>
+        <source>transaction completed</source>
+        <translation>транзакция завершена</translation>
+    </message>
+    <message>
+        <source>temporary error, the SC is still trying</source>
+        <translation>временная ошибка, SC продолжает попытки</translation>
+    </message>
+    <message>
+        <source>permanent error, no more attempts</source>
+        <translation>постоянная ошибка, попыток больше не будет</translation>
+    </message>
+    <message>
+        <source>temporary error, no more attempts</source>
+        <translation>временная ошибка, попыток больше не будет</translation>
+    </message>
+    <message>
+        <source>  Message reference: %1</source>
+        <translation>  Ссылка на сообщение: %1</translation>
+    </message>
+    <message>
+        <source>  Recipient: %1 (%2)</source>
+        <translation>  Получатель: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>  Service centre time stamp: %1</source>
+        <translation>  Отметка времени сервисного центра: %1</translation>
+    </message>
+    <message>
+        <source>  Discharge time: %1</source>
+        <translation>  Время завершения: %1</translation>
+    </message>
+    <message>
+        <source>  Status: 0x%1 (%2): %3</source>
+        <translation>  Статус: 0x%1 (%2): %3</translation>
+    </message>
+    <message>
+        <source>Empty user data header</source>
+        <translation>Пустой заголовок пользовательских данных</translation>
+    </message>
+    <message>
+        <source>User data header, %1 octets declared, only %2 present</source>
+        <translation>Заголовок пользовательских данных, заявленная длина %1, фактически только %2</translation>
+    </message>
+    <message>
+        <source>User data header, %1 octets</source>
+        <translation>Заголовок пользовательских данных, длина %1</translation>
+    </message>
+    <message>
+        <source>  (%1 further octets are not part of the header)</source>
+        <translation>  (октетов за пределами заголовка: %1)</translation>
+    </message>
+    <message>
+        <source>  Element 0x%1 truncated: its length octet is missing</source>
+        <translation>  Элемент 0x%1 обрезан: отсутствует октет длины</translation>
+    </message>
+    <message>
+        <source>  %1 (%2) truncated: %3 octets declared, %4 present%5</source>
+        <translation>  %1 (%2): элемент обрезан, заявленная длина %3, фактическая %4%5</translation>
+    </message>
+    <message>
+        <source>Element</source>
+        <translation>Элемент</translation>
+    </message>
+    <message>
+        <source>  Unknown element %1 (%2), %3 octets%4</source>
+        <translation>  Неизвестный элемент %1 (%2), длина %3%4</translation>
+    </message>
+    <message>
+        <source>  %1 (%2): wrong length %3 (%4 expected)%5</source>
+        <translation>  %1 (%2): неверная длина %3 (ожидалось %4)%5</translation>
+    </message>
+    <message>
+        <source>  %1 (%2), %3 octets%4</source>
+        <translation>  %1 (%2), длина %3%4</translation>
+    </message>
+    <message>
+        <source>  %1: %2</source>
+        <translation>  %1: %2</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>Unknown error</source>
@@ -140,65 +635,6 @@
     <message>
         <source>Request timeout</source>
         <translation>Превышено время ожидания ответа</translation>
-    </message>
-    <message>
-        <source>Error reading service number.</source>
-        <translation>Ошибка чтения номера сервисного центра.</translation>
-    </message>
-    <message>
-        <source>Error reading message type.</source>
-        <translation>Ошибка чтения типа сообщения.</translation>
-    </message>
-    <message>
-        <source>Error reading address length.</source>
-        <translation>Ошибка чтения длины адреса.</translation>
-    </message>
-    <message>
-        <source>Error reading address type.</source>
-        <translation>Ошибка чтения типа адреса.</translation>
-    </message>
-    <message>
-        <source>Error reading address type %1.</source>
-        <translation>Ошибка чтения типа адреса %1.</translation>
-    </message>
-    <message>
-        <source>Error reading sender address.</source>
-        <translation>Ошибка чтения адреса отправителя.</translation>
-    </message>
-    <message>
-        <source>Error reading data coding scheme.</source>
-        <translation>Ошибка чтения схемы кодирования данных.</translation>
-    </message>
-    <message>
-        <source>Error reading timestamp.</source>
-        <translation>Ошибка чтения отметки времени.</translation>
-    </message>
-    <message>
-        <source>Error reading user data length.</source>
-        <translation>Ошибка чтения длины данных пользователя.</translation>
-    </message>
-    <message>
-        <source>Error reading text of message.</source>
-        <translation>Ошибка чтения текста сообщения.</translation>
-    </message>
-    <message>
-        <source>wvdial error</source>
-        <translation>ошибка wvdial</translation>
-    </message>
-    <message>
-        <source>wvdial</source>
-        <translation>wvdial</translation>
-    </message>
-</context>
-<context>
-    <name>WvDialConfWrapper</name>
-    <message>
-        <source>wvdial error</source>
-        <translation>ошибка wvdial</translation>
-    </message>
-    <message>
-        <source>wvdial</source>
-        <translation>wvdial</translation>
     </message>
 </context>
 <context>
@@ -242,6 +678,17 @@
     <message>
         <source>Error reading text of message.</source>
         <translation>Ошибка чтения текста сообщения.</translation>
+    </message>
+</context>
+<context>
+    <name>WvDialConfWrapper</name>
+    <message>
+        <source>wvdial error</source>
+        <translation>ошибка wvdial</translation>
+    </message>
+    <message>
+        <source>wvdial</source>
+        <translation>wvdial</translation>
     </message>
 </context>
 </TS>
