@@ -1,8 +1,11 @@
 #include "smspdudecoder.h"
 #include "smspdudecoder_p.h"
 
+#include <QDateTime>
 #include <QTextCodec>
 #include <QtMath>
+
+#include <ctime>
 
 namespace {
 
@@ -39,6 +42,70 @@ QByteArray swapNibbles(const QByteArray& octets)
         c = static_cast<char>(static_cast<uchar>((o << 4) | (o >> 4)));
     }
     return swapped;
+}
+
+// True when the zone's offset from UTC is the same all through the day and a
+// half around the local time `localAsUtc` (the local fields counted as if
+// they were UTC, in seconds): then that local time exists exactly once. An
+// offset change near it makes the time skipped or repeated. Sampled every
+// eight hours; no zone changes its offset twice within eight hours.
+bool steadyOffsetAround(qint64 localAsUtc)
+{
+    long offset = 0;
+    for (int i = -2; i <= 2; ++i) {
+        const time_t instant = time_t(localAsUtc + i * 8 * 3600);
+        tm parts;
+        if (!localtime_r(&instant, &parts))
+            return false;
+        if (i > -2 && parts.tm_gmtoff != offset)
+            return false;
+        offset = parts.tm_gmtoff;
+    }
+    return true;
+}
+
+// The time stamp text "yyyyMMddHHmmss" as QDateTime::fromString reads it: a
+// local date-time, or an invalid one. fromString converts through the C
+// library's mktime several times per call, and glibc looks at the zone file
+// again on every mktime when TZ is not set; that made up most of the
+// decoder's time. A text of plain digits naming a local time that exists
+// exactly once is what fromString gives for it, and is built here directly
+// with a single mktime. Every other text (hexadecimal letters, impossible
+// dates, a time skipped or repeated by a daylight-saving change, whose
+// reading depends on the C library's earlier conversions) still goes
+// through fromString.
+QDateTime localTimestamp(const QString& text)
+{
+    static const int widths[] = {4, 2, 2, 2, 2, 2};
+    if (text.size() == 14) {
+        int fields[6] = {};
+        int pos = 0;
+        bool digits = true;
+        for (int f = 0; f < 6 && digits; ++f) {
+            for (int i = 0; i < widths[f]; ++i, ++pos) {
+                const ushort c = text.at(pos).unicode();
+                if (c < '0' || c > '9') {
+                    digits = false;
+                    break;
+                }
+                fields[f] = fields[f] * 10 + (c - '0');
+            }
+        }
+        if (digits) {
+            const QDate date(fields[0], fields[1], fields[2]);
+            const QTime time(fields[3], fields[4], fields[5]);
+            if (date.isValid() && time.isValid()) {
+                // Built first: its mktime also brings the C library's zone
+                // rules up to date for the look around it.
+                const QDateTime local(date, time);
+                const qint64 localAsUtc = (date.toJulianDay() - 2440588) * 86400 + time.msecsSinceStartOfDay() / 1000;
+                if (local.isValid() && local.date() == date && local.time() == time
+                    && steadyOffsetAround(localAsUtc))
+                    return local;
+            }
+        }
+    }
+    return QDateTime::fromString(text, QStringLiteral("yyyyMMddHHmmss"));
 }
 
 } // namespace
@@ -247,7 +314,7 @@ bool SmsPduDecoderPrivate::readTimestamp()
     // The time-zone octet: the modem's clock is the appliance's local time.
     skipOctet();
     const QString text = QLatin1String("20") + QString::fromLatin1(swapNibbles(octets).toHex());
-    part->dateTime = QDateTime::fromString(text, QStringLiteral("yyyyMMddHHmmss"));
+    part->dateTime = localTimestamp(text);
     return true;
 }
 

@@ -6,10 +6,13 @@
 #include "smspdudecoder.h"
 #include "smspduencoder.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QSet>
 #include <QtTest>
+
+#include <ctime>
 
 namespace {
 
@@ -120,6 +123,8 @@ private slots:
     void everyPrefixOfAValidPduIsInvalid();
     void robustAgainstRandomInput();
     void decoderIsReusable();
+    void timestampsAsQtReadsThem_data();
+    void timestampsAsQtReadsThem();
 };
 
 void TestSmsPduDecoder::decodesFields_data()
@@ -486,6 +491,75 @@ void TestSmsPduDecoder::decoderIsReusable()
     // The first part is not changed by the second decoding.
     QVERIFY(!bad.isValid());
     QCOMPARE(bad.getText(), QStringLiteral("[missing text]"));
+}
+
+void TestSmsPduDecoder::timestampsAsQtReadsThem_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QString>("digits");   // yyMMddHHmmss as the octets carry them
+
+    // Zones with and without daylight-saving changes; the Berlin and New York
+    // rows fall into their spring gap and autumn overlap.
+    const QList<QByteArray> zones = {"UTC", "Europe/Moscow", "Europe/Berlin", "America/New_York"};
+    const QStringList stamps = {
+        QStringLiteral("210511131216"), QStringLiteral("210328023000"), QStringLiteral("211031023000"),
+        QStringLiteral("210314023000"), QStringLiteral("211107013000"), QStringLiteral("110327023000"),
+        QStringLiteral("200229120000"), QStringLiteral("210229120000"), QStringLiteral("211301000000"),
+        QStringLiteral("210511240000"), QStringLiteral("210511236000"), QStringLiteral("2105111312f6"),
+        QStringLiteral("991231235959"), QStringLiteral("000101000000"), QStringLiteral("ffffffffffff"),
+    };
+    for (const QByteArray& zone : zones)
+        for (const QString& stamp : stamps)
+            QTest::newRow(qPrintable(QStringLiteral("%1 %2").arg(QString::fromLatin1(zone), stamp)))
+                << zone << stamp;
+}
+
+void TestSmsPduDecoder::timestampsAsQtReadsThem()
+{
+    // The decoder reads the time stamp exactly as QDateTime::fromString with
+    // "yyyyMMddHHmmss" does in the process's zone, including the texts that
+    // it refuses (a time skipped by a daylight-saving change, impossible
+    // dates, hexadecimal letters).
+    QFETCH(QByteArray, zone);
+    QFETCH(QString, digits);
+
+    const QByteArray savedZone = qgetenv("TZ");
+    const bool hadZone = qEnvironmentVariableIsSet("TZ");
+    qputenv("TZ", zone);
+    tzset();
+    struct Restore
+    {
+        QByteArray zone;
+        bool had;
+        ~Restore()
+        {
+            if (had)
+                qputenv("TZ", zone);
+            else
+                qunsetenv("TZ");
+            tzset();
+        }
+    } restore{savedZone, hadZone};
+
+    QString octets;
+    for (int i = 0; i < digits.size(); i += 2)
+        octets += digits.mid(i + 1, 1) + digits.mid(i, 1);
+    // 7-bit text "1" after the time stamp and its zone octet.
+    const SmsPart part = Sms::decode(HEAD + QStringLiteral("0000") + octets + QStringLiteral("000131"));
+    QVERIFY2(part.isValid(), qPrintable(part.getErrorString()));
+    QCOMPARE(part.getText(), QStringLiteral("1"));
+
+    const QDateTime expected = QDateTime::fromString(QStringLiteral("20") + digits, QStringLiteral("yyyyMMddHHmmss"));
+    const QDateTime got = part.getDateTime();
+    QCOMPARE(got.isValid(), expected.isValid());
+    QCOMPARE(got.date(), expected.date());
+    QCOMPARE(got.time(), expected.time());
+    QCOMPARE(got.timeSpec(), expected.timeSpec());
+    if (expected.isValid()) {
+        QCOMPARE(got.toMSecsSinceEpoch(), expected.toMSecsSinceEpoch());
+        QCOMPARE(got.offsetFromUtc(), expected.offsetFromUtc());
+    }
+    QCOMPARE(got, expected);
 }
 
 QTEST_GUILESS_MAIN(TestSmsPduDecoder)
