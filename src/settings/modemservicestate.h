@@ -21,7 +21,9 @@ class ModemServiceStateData;
 class ZELMODEMSLIB_EXPORT ModemServiceState
 {
 public:
-    enum EServiceMode {
+    // Both travel as plain ints and a newer service may send values not
+    // named here: the int underlying type makes every int a valid value.
+    enum EServiceMode : int {
         SM_STOPPED = 0,
         SM_SEARCHING = 1,
         // The one mode in which the connection state means something.
@@ -29,7 +31,7 @@ public:
         SM_ERROR = 3
     };
 
-    enum EConnectionState {
+    enum EConnectionState : int {
         CS_DISCONNECTED = 0,
         CS_CONNECTING = 1,
         CS_CONNECTED = 2,

@@ -308,7 +308,8 @@ MncTable ModemSettings::mncTable() const
 
 bool ModemSettings::getOperatorData(int mcc, int mnc, OperatorData& data) const
 {
-    const auto it = _mncTable.constFind(mcc * 100 + mnc);
+    // The same key as OperatorData::mccmnc(), without overflow for any codes.
+    const auto it = _mncTable.constFind(int(quint32(qint64(mcc) * 100 + mnc)));
     if (it == _mncTable.constEnd())
         return false;
     data = it.value();

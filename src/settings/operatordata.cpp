@@ -70,7 +70,9 @@ void OperatorData::setModemInitLine(const QString& modemInitLine) { d->modemInit
 
 int OperatorData::mccmnc() const
 {
-    return d->mcc * 100 + d->mnc;
+    // Codes read from a table file or a map can be any int: the key is
+    // computed wide and wrapped into an int, never overflowed.
+    return int(quint32(qint64(d->mcc) * 100 + d->mnc));
 }
 
 bool OperatorData::isValid() const

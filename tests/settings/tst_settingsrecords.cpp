@@ -438,6 +438,11 @@ void TestSettingsRecords::operatorValidity_data()
     QTest::newRow("mcc 0") << 0 << 1 << "x" << false << 1;
     QTest::newRow("no name") << 250 << 1 << "" << false << 25001;
     QTest::newRow("negative mnc") << 250 << -1 << "x" << false << 24999;
+    // Codes from a table file can be any int; the key wraps instead of
+    // overflowing (found by fuzzing loadMncTable).
+    QTest::newRow("huge mcc") << 2147483647 << 99 << "x" << true << int(quint32(2147483647u * 100u + 99u));
+    QTest::newRow("most negative mcc") << int(-2147483647 - 1) << -1 << "x" << false
+                                       << int(quint32(0x80000000u * 100u - 1u));
 }
 
 void TestSettingsRecords::operatorValidity()
@@ -641,6 +646,16 @@ void TestSettingsRecords::stateSetMapKeepsConnectionState()
     state.setMap({{"serviceMode", 1}, {"connectionState", 3}});
     QCOMPARE(int(state.serviceMode()), 1);
     QCOMPARE(int(state.connectionState()), 3);
+
+    // Values the enumerations do not name (a newer service) are kept as
+    // the ints they are, and go out again unchanged (found by fuzzing
+    // setClientState).
+    state.setMap({{"serviceMode", 7}, {"connectionState", -4}});
+    QCOMPARE(int(state.serviceMode()), 7);
+    QCOMPARE(int(state.connectionState()), -4);
+    QCOMPARE(state.toMap().value("serviceMode").toInt(), 7);
+    QCOMPARE(state.toMap().value("connectionState").toInt(), -4);
+    QVERIFY(ModemServiceState::fromMap(state.toMap()) == state);
 }
 
 void TestSettingsRecords::stateBalanceText_data()
