@@ -1,0 +1,194 @@
+#!/usr/bin/python3
+"""Writes the seed corpora of the fuzz targets (fuzz/corpus/<target>/).
+
+Seeds are small, well-formed or nearly well-formed inputs of each target's
+input format (the first byte selects a mode, see each fuzz_*.cpp), taken from
+what modems, operators and the configuration service really send, plus the
+edge cases that the library's own tests name. The fuzzer grows its working
+corpus from them; this script only (re)writes the committed seeds.
+
+Usage: make_seeds.py [corpus folder]   (default: fuzz/corpus beside this file)
+"""
+
+import hashlib
+import json
+import os
+import random
+import sys
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+ROOT = os.path.dirname(HERE)
+
+
+def sms_corpus_pdus(limit):
+    pdus, seen_kinds = [], set()
+    with open(os.path.join(ROOT, "bench", "data", "sms_corpus.txt")) as f:
+        for line in f:
+            line = line.strip()
+            if not line or line.startswith("#"):
+                continue
+            # One PDU of each shape: first octet, sender type, coding.
+            sca = int(line[0:2], 16)
+            body = line[2 + 2 * sca:]
+            kind = (body[0:2], body[4:6], body[-0:0])
+            if kind in seen_kinds and len(pdus) >= limit // 2:
+                continue
+            seen_kinds.add(kind)
+            pdus.append(line)
+            if len(pdus) >= limit:
+                break
+    return pdus
+
+
+def sms_seeds():
+    seeds = []
+    for pdu in sms_corpus_pdus(24):
+        seeds.append(b"\x00" + pdu.encode())
+        seeds.append(b"\x01" + bytes.fromhex(pdu))
+    # Edge cases: empty, zero service-centre length, a PDU that ends at its
+    # coding octet, a national sender, an odd-length international sender, a
+    # header with an element that is not a concatenation, a 16-bit reference,
+    # a listing of two PDUs with spaces and line ends between the pairs.
+    base = "07919761989901F0"
+    seeds += [
+        b"\x00",
+        b"\x0000",
+        b"\x00" + (base + "040B919761214365F70000").encode(),
+        b"\x00" + (base + "040BA19761214365F700001250113121610003C8F40F").encode(),
+        b"\x00" + (base + "0405917921F0000012501131216121" + "03C8F40F").encode(),
+        b"\x00" + (base + "440B919761214365F7000012501131216121" + "0A05240301020305C8F40F").encode(),
+        b"\x00" + (base + "440B919761214365F7000812501131216121" + "0C060804AB0C0201041F0440").encode(),
+        b"\x00" + b"07 91 97 61 98 99 01 F0\r\n04 0B 91 97 61 21 43 65 F7 00 00 12 50 11 31 21 61 21 03 C8 F4 0F"
+        + b"\xff" + (base + "0406D04DEA1400001250113121610014D6F01C0D1287D961F71C1493B16A3090DC05").encode(),
+    ]
+    return seeds
+
+
+ATI_ANSWERS = [
+    b"Manufacturer: huawei\r\nModel: E3372\r\nRevision: 22.315.01.00.00\r\n",
+    b"Manufacturer: SIMCOM INCORPORATED\r\nModel: SIMCOM_SIM7600E-H\r\nRevision: LE20B04SIM7600M22\r\n",
+    b"Manufacturer: ZTE INCORPORATED\r\nModel: MF626\r\nRevision: BD_P673A2V1.0.0B06\r\n",
+    b"Cinterion\r\nMC52i\r\nREVISION 01.200",
+    b"Manufacturer: Qualcomm Incorporated\r\nModel: HSPA Data Card\r\nRevision: 1.0\r\n",
+    b"Generic V.92 Data/Fax Modem",
+    b"ZTE",
+    b"E3372\r\nModel: E3372\r\n",
+    b"SIEMENS\r\nMC35i\r\nREVISION 02.00",
+    b"SprutNet\r\nrevision 3",
+    b"huawei E171 Revision 11.126",
+    b"MC-52 Siemens",
+    b"\r\n\r\n",
+    b"ATI\r\r\nManufacturer: huawei\r\nModel: E3372\r\n",
+]
+
+
+def modemname_seeds():
+    return [bytes([i % 5 | (0x80 if i % 3 == 0 else 0)]) + a for i, a in enumerate(ATI_ANSWERS)]
+
+
+CUSD_REPLIES = [
+    b'\r\nOK\r\n\r\n+CUSD: 0,"Balans 12,50 r.",15\r\n',
+    b'\r\n+CUSD: 0,"04110430043B",72\r\n',
+    b'\r\n+CUSD: 0,"04110430043B043",72\r\n',
+    b'\r\n+CUSD: 2\r\n',
+    b'AT+CUSD=1,"*100#",15\r\r\nOK\r\n\r\n+CUSD: 0,"Minus 3,5 rub.",15\r\n\r\nRING\r\n',
+    b'\r\n+CUSD: 0,"Vash nomer +7 (912) 345-67-89",15\r\n',
+    b'\r\n+CUSD: 1,"Balance: -15.20 rub",0\r\n+CMTI: "SM",3\r\n',
+    b'\r\n+CUSD: 0,"\xd0\x91\xd0\xb0\xd0\xbb\xd0\xb0\xd0\xbd\xd1\x81 12 \xd1\x80.",15\r\n',
+    b'\r\n+CUSD: 0,"not hex at all",72\r\n',
+    b'\r\n+CME ERROR: Unexpected Data Value\r\n',
+    b'+CUSD:0,"A",15+CUSD: 0,"B",15',
+]
+
+
+def cusd_seeds():
+    return [bytes([d]) + r for d in range(6) for r in CUSD_REPLIES[d::3]] + \
+        [bytes([2]) + r for r in CUSD_REPLIES]
+
+
+BALANCE_TEXTS = [
+    "Balans 12,50 r.", "Balance: -15.20", "minus 3,5", "-  12", "1,234.56", "no digits here",
+    "Ваш баланс минус 47,11 руб.", "Остаток: 0,00 р. Дата 2021-05-11", "12.", ".5", "999999999999999999999999",
+    "- 7", "--8", "Задолженность -300,5 р.",
+]
+
+
+def balance_seeds():
+    return [t.encode() for t in BALANCE_TEXTS]
+
+
+def settings_seeds():
+    rnd = random.Random(7)
+    return [bytes(rnd.randrange(256) for _ in range(n)) for n in (8, 32, 64, 128, 256, 512)]
+
+
+def mnctable_seeds():
+    with open(os.path.join(ROOT, "src", "settings", "mnc", "mnctable.json"), "rb") as f:
+        table = f.read()
+    entries = json.loads(table.decode())
+    seeds = [b"\x01" + table, b"\x01" + table[: len(table) // 2], b"\x01[]", b"\x01{}", b"\x01",
+             b"\x01" + json.dumps(entries[:2] + [{"mcc": 250, "mnc": 0, "name": ""}]).encode(),
+             b"\x01" + json.dumps([{"mcc": 2147483647, "mnc": 99, "name": "x"}]).encode()]
+    rnd = random.Random(11)
+    seeds += [b"\x00" + bytes(rnd.randrange(256) for _ in range(n)) for n in (16, 64, 200)]
+    return seeds
+
+
+def clientstate_seeds():
+    state = {"serviceMode": 2, "connectionState": 3, "balance": 12.5, "balanceText": "Balans 12,50 r.",
+             "mcc": "250", "mnc": "02", "lac": "1A2B", "cid": "00C3D4E5", "signalLevel": -71,
+             "modemInfo": {"name": "megafon", "portName": "ttyUSB2", "baudrate": 460800,
+                           "phones": ["*99#"], "newPppd": True}}
+    text = json.dumps(state, ensure_ascii=False).encode()
+    return [b"\x01" + text, b"\x00" + text, b"\x01{}", b"\x01[1,2]", b"\x01not json",
+            b"\x01" + json.dumps({"balanceText": "a\u0000b\u0000", "serviceMode": "1"}).encode(),
+            b"\x01" + json.dumps({"modemInfo": [1], "balance": "nan"}).encode()]
+
+
+def pdu_seeds():
+    report = ("00" "06" "2A" "0B919761214365F7" "12501131216121" "12501131216221" "00")
+    submit = "0011000B919761214365F70000AA05E8329BFD06"
+    seeds = [
+        b"\x00" + report.encode(), b"\x10" + report[2:].encode(), b"\x00" + b"zz",
+        b"\x01" + bytes.fromhex(report), b"\x11" + bytes.fromhex(report[2:]),
+        b"\x02" + bytes.fromhex("050003cc0201"), b"\x02" + bytes.fromhex("0608040102030424"),
+        b"\x02" + bytes.fromhex("0A05040B8423F0000301"), b"\x02" + bytes.fromhex("03250101"), b"\x02\x00",
+        b"\x03" + bytes.fromhex(submit), b"\x13" + bytes.fromhex(submit[2:]),
+        b"\x04" + bytes.fromhex("C8329BFD06"), b"\x24" + bytes.fromhex("90B0986C46ABD96EB81C"),
+        b"\x05" + "Hello {world} [€] ~".encode(), b"\x05" + "Привет".encode(), b"\x05" + "@£$¥èéùìòÇ".encode(),
+        b"\x06+7 (916) 123-45-67", b"\x46*100#", b"\x86abc",
+        b"\x07" + b"\x00\x00\x00\x00\x00\x00\x00\x00" + b"+79161234567\\Hello",
+        b"\x07" + b"\x03\x01\x00\x10\x00\x05\x01\x00" + b"89161234567\\" + "Длинное сообщение ".encode() * 6,
+    ]
+    return seeds
+
+
+TARGETS = {
+    "fuzz_sms_decode": sms_seeds,
+    "fuzz_modemname": modemname_seeds,
+    "fuzz_cusd": cusd_seeds,
+    "fuzz_balance": balance_seeds,
+    "fuzz_settings": settings_seeds,
+    "fuzz_mnctable": mnctable_seeds,
+    "fuzz_clientstate": clientstate_seeds,
+    "fuzz_pdu": pdu_seeds,
+}
+
+
+def main():
+    out = sys.argv[1] if len(sys.argv) > 1 else os.path.join(HERE, "corpus")
+    for target, make in TARGETS.items():
+        folder = os.path.join(out, target)
+        os.makedirs(folder, exist_ok=True)
+        for name in os.listdir(folder):
+            if name.startswith("seed-"):
+                os.remove(os.path.join(folder, name))
+        for seed in make():
+            name = "seed-" + hashlib.sha1(seed).hexdigest()[:16]
+            with open(os.path.join(folder, name), "wb") as f:
+                f.write(seed)
+    sys.stderr.write("seeds written to %s\n" % out)
+
+
+if __name__ == "__main__":
+    main()
