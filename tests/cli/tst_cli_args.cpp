@@ -291,6 +291,11 @@ private slots:
         QCOMPARE(json.value("content").toString(),
                  QStringLiteral("[Dialer Defaults]\nModem = /dev/ttyUSB0\nBaud = 460800\n"));
         QCOMPARE(readFile(dir.filePath("sudo.log")), QByteArray("killall pppd\nkillall wvdial\n"));
+        const clitest::Result text = run({"wvdialconf", "--program", bin + "/wvdialconf"}, 30000, env);
+        QCOMPARE(text.exitCode, 0);
+        QCOMPARE(text.out, QStringLiteral("%1/wvdialconf wrote %2/modems/wvdial.conf.srch:\n\n"
+                                          "[Dialer Defaults]\nModem = /dev/ttyUSB0\nBaud = 460800\n")
+                               .arg(bin, work));
 
         // Without the program nothing is stopped and the user is told why.
         QFile::remove(dir.filePath("sudo.log"));

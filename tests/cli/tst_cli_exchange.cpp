@@ -156,13 +156,19 @@ private slots:
         QCOMPARE(sent.at(0).first, QByteArray("+79161234567"));
         QCOMPARE(QString::fromUtf8(sent.at(0).second), QStringLiteral("Ключ под ковриком"));
 
+        const clitest::Result text = run({"sms", "send", modem->devicePath(), "+79031112233", "Back at 6"});
+        QVERIFY2(text.exitCode == 0, text.describe());
+        QCOMPARE(text.out, QStringLiteral("Sent to +79031112233.\n"));
+        QCOMPARE(modem->sentMessages().size(), 2);
+        QCOMPARE(modem->sentMessages().at(1).second, QByteArray("Back at 6"));
+
         // No prompt: the modem refuses to take the text.
         modem->setFault("+CMGS=+79160000000", Fault::Error);
         const clitest::Result refused = run({"sms", "send", modem->devicePath(), "+79160000000", "x"});
         QCOMPARE(refused.exitCode, 1);
         QVERIFY2(refused.err.startsWith("zelmodems sms send: the modem did not send the message to +79160000000"),
                  refused.describe());
-        QCOMPARE(modem->sentMessages().size(), 1);
+        QCOMPARE(modem->sentMessages().size(), 2);
     }
 };
 
