@@ -253,4 +253,4 @@ private slots:
 };
 
 QTEST_GUILESS_MAIN(TestSms)
-#include "tst_sms.moc"
+#include "tst_smsexchange.moc"
