@@ -96,7 +96,7 @@ void TestRegistration::russianTranslation_data()
     QTest::newRow("modem, error") << "AtModem" << "Modem said \"ERROR\"" << "Модем ответил \"ERROR\"";
     QTest::newRow("loader, unknown error") << "QObject" << "Unknown error" << "Неизвестная ошибка";
     QTest::newRow("loader, timeout") << "QObject" << "Request timeout" << "Превышено время ожидания ответа";
-    QTest::newRow("decoder") << "QObject" << "Error reading timestamp." << "Ошибка чтения отметки времени.";
+    QTest::newRow("decoder") << "SmsPduDecoder" << "Error reading timestamp." << "Ошибка чтения отметки времени.";
     QTest::newRow("decoder, own context") << "SmsPduDecoder" << "Error reading address type %1."
                                           << "Ошибка чтения типа адреса %1.";
     QTest::newRow("wvdial") << "WvDialConfWrapper" << "wvdial error" << "ошибка wvdial";

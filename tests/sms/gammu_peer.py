@@ -119,7 +119,10 @@ def main():
         "submits": decode_submits(request.get("submits", [])),
         "reports": build_reports(request.get("reports", [])),
     }
-    json.dump(answer, sys.stdout, ensure_ascii=False)
+    # gammu hands UCS2 text over as UTF-16 code units, so a character beyond
+    # the BMP arrives as two lone surrogates; escaped JSON carries them intact
+    # whatever the encoding of the standard output.
+    json.dump(answer, sys.stdout, ensure_ascii=True)
 
 
 if __name__ == "__main__":
