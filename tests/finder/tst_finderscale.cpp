@@ -90,14 +90,18 @@ private slots:
         QCOMPARE(foundNames, names);
 
         // The probes overlapped: every modem heard its first command before
-        // any modem heard its last.
+        // any probe had ended. A probe's last command is the "&F0" of its dial
+        // preparation, followed by a fixed two-second pause before the port
+        // is closed; probes run one after another would start seconds apart.
+        const qint64 dialPauseMs = 2000;
         qint64 lastStart = 0;
         qint64 firstEnd = std::numeric_limits<qint64>::max();
         for (auto& sim : sims) {
             const QList<modemsim::CommandRecord> log = sim->log();
             QVERIFY(!log.isEmpty());
+            QCOMPARE(log.last().command, QByteArray("&F0"));
             lastStart = std::max(lastStart, log.first().epochMs);
-            firstEnd = std::min(firstEnd, log.last().epochMs);
+            firstEnd = std::min(firstEnd, log.last().epochMs + dialPauseMs);
         }
         QVERIFY2(lastStart < firstEnd, "the probes did not run side by side");
 
