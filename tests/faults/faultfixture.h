@@ -1,0 +1,132 @@
+#pragma once
+// Helpers of the fault tests: what a port leaves behind (open descriptors,
+// serial lock files), simulated ports for the search, and a message filter
+// that keeps the thousands of debug lines of a faulty exchange out of the
+// test's output.
+#include "portinfoprovider.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+#include <QReadLocker>
+#include <QReadWriteLock>
+#include <QString>
+#include <QStringList>
+#include <QWriteLocker>
+
+namespace faults {
+
+// The device node behind `path` (a pty or a link to one).
+inline QString deviceNode(const QString& path)
+{
+    const QString target = QFileInfo(path).canonicalFilePath();
+    return target.isEmpty() ? path : target;
+}
+
+// Descriptors of this process open on the device node `node`.
+inline int openDescriptors(const QString& node)
+{
+    int count = 0;
+    const QDir fds(QStringLiteral("/proc/self/fd"));
+    for (const QString& fd : fds.entryList(QDir::Files | QDir::System | QDir::NoDotAndDotDot)) {
+        if (QFile::symLinkTarget(fds.filePath(fd)) == node)
+            ++count;
+    }
+    return count;
+}
+
+// Serial lock files ("LCK..<name>", the UUCP convention that QSerialPort and
+// the platform's unlockPort share) that this process holds for the device
+// `node`, in every folder where a lock may be kept. A vanished device's pty
+// number is soon given to another program (other tests running at the same
+// time), whose locks are not this process's business: a lock counts only
+// when it names this process.
+inline QStringList lockFiles(const QString& node)
+{
+    QString name = node;
+    if (name.startsWith(QLatin1String("/dev/")))
+        name = name.mid(5);
+    name.replace(QLatin1Char('/'), QLatin1Char('_'));
+    QStringList dirs = {QStringLiteral("/var/lock"), QStringLiteral("/run/lock"), QStringLiteral("/etc/locks"),
+                        QStringLiteral("/var/spool/locks"), QStringLiteral("/var/spool/uucp"),
+                        QStringLiteral("/tmp"), QStringLiteral("/var/tmp")};
+    const QByteArray platformDir = qgetenv("QT5EXT_LOCK_DIR");
+    if (!platformDir.isEmpty())
+        dirs << QString::fromLocal8Bit(platformDir);
+    const QByteArray ownPid = QByteArray::number(QCoreApplication::applicationPid());
+    QStringList found;
+    for (const QString& dir : dirs) {
+        const QString file = QFileInfo(QDir(dir).filePath(QStringLiteral("LCK..") + name)).canonicalFilePath();
+        if (file.isEmpty() || found.contains(file))
+            continue;
+        QFile lock(file);
+        if (!lock.open(QIODevice::ReadOnly))
+            continue;
+        // QLockFile's content: the pid, the application's name, the host.
+        if (lock.readLine().trimmed() == ownPid)
+            found << file;
+    }
+    return found;
+}
+
+// Bare port names mapped to simulated devices, installed for the process
+// while it lives. Ports not declared do not exist.
+class Ports : public PortInfoProvider
+{
+public:
+    Ports() { PortInfoProvider::install(this); }
+    ~Ports() override { PortInfoProvider::install(nullptr); }
+
+    void declare(const QString& name, const QString& device)
+    {
+        QWriteLocker lock(&m_lock);
+        m_devices.insert(name, device);
+    }
+    QStringList availablePorts() const override
+    {
+        QReadLocker lock(&m_lock);
+        return m_devices.keys();
+    }
+    Port port(const QString& portName) const override
+    {
+        QReadLocker lock(&m_lock);
+        Port p;
+        p.exists = m_devices.contains(portName);
+        return p;
+    }
+    QString devicePath(const QString& portName) const override
+    {
+        QReadLocker lock(&m_lock);
+        return m_devices.value(portName, portName);
+    }
+    QString dataPortLink() const override { return QString(); }
+
+private:
+    mutable QReadWriteLock m_lock;
+    QMap<QString, QString> m_devices;
+};
+
+// Passes on critical messages only: a faulty exchange logs thousands of
+// debug lines and hundreds of warnings, more than a test log should hold.
+inline void quietHandler(QtMsgType type, const QMessageLogContext& context, const QString& text);
+
+inline QtMessageHandler& previousHandler()
+{
+    static QtMessageHandler previous = nullptr;
+    return previous;
+}
+
+inline void quietHandler(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if ((type == QtCriticalMsg || type == QtFatalMsg) && previousHandler())
+        previousHandler()(type, context, text);
+}
+
+inline void installQuietHandler()
+{
+    previousHandler() = qInstallMessageHandler(quietHandler);
+}
+
+} // namespace faults

@@ -1,0 +1,175 @@
+// Discovery while devices fail: modems that vanish at different moments of
+// their probe (before it, at the first operator query of the rate climb, a
+// few hundred milliseconds in) beside one that keeps answering. The search
+// must end, report only the healthy modem, and leave no port open or locked,
+// so that a second search finds the healthy modem again.
+#include "faultfixture.h"
+
+#include "modeminfo.h"
+#include "modemsfinder.h"
+#include "simmodem.h"
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+using modemsim::Fault;
+using modemsim::Make;
+using modemsim::Profile;
+using modemsim::SimModem;
+
+namespace {
+
+// A probe of an answering modem takes a little over two seconds (the fixed
+// sleep before dialling); a vanished device fails its opens at once. This
+// bound only tells a hang from a finished search.
+constexpr int SEARCH_DEADLINE_MS = 60000;
+
+struct SearchResult
+{
+    QStringList signalNames;
+    QList<ModemInfo> modems;
+    QString error;
+};
+
+SearchResult search(const QStringList& names)
+{
+    SearchResult r;
+    ModemsFinder finder;
+    QObject::connect(&finder, &ModemsFinder::devicesFinded, [&r](QList<ModemInfo> modems) {
+        r.signalNames << QStringLiteral("devicesFinded");
+        r.modems = modems;
+    });
+    QObject::connect(&finder, &ModemsFinder::noDevices, [&r](QString err) {
+        r.signalNames << QStringLiteral("noDevices");
+        r.error = err;
+    });
+    QObject::connect(&finder, &ModemsFinder::finished, [&r] { r.signalNames << QStringLiteral("finished"); });
+    finder.start(names);
+    (void)QTest::qWaitFor([&r] { return r.signalNames.contains(QStringLiteral("finished")); }, SEARCH_DEADLINE_MS);
+    return r;
+}
+
+} // namespace
+
+class TestFaultDiscovery : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { faults::installQuietHandler(); }
+
+    void devicesVanishDuringSearch()
+    {
+        faults::Ports ports;
+        std::vector<std::unique_ptr<SimModem>> sims;
+        QStringList names;
+        for (int i = 0; i < 4; ++i) {
+            Profile profile = Profile::forMake(Make::Huawei);
+            profile.imei = QByteArray::number(866000000000100LL + i);
+            sims.emplace_back(new SimModem(profile));
+            QString error;
+            QVERIFY2(sims.back()->start(&error), qPrintable(error));
+            names << QStringLiteral("ttyS%1").arg(300 + i);
+            ports.declare(names.last(), sims.back()->devicePath());
+        }
+        QStringList nodes;
+        QList<int> ownDescriptors;   // the simulator's own hold on its device
+        for (const auto& sim : sims) {
+            nodes << faults::deviceNode(sim->devicePath());
+            ownDescriptors << faults::openDescriptors(nodes.last());
+        }
+
+        // ttyS300 answers throughout. ttyS301 is gone before its probe
+        // starts; ttyS302 vanishes at the first operator query (the first
+        // step of the rate climb); ttyS303 vanishes half-way up the climb,
+        // right after identifying itself for the fifth time.
+        sims.at(1)->vanish();
+        sims.at(2)->setFault("+CIMI", Fault::Vanish);
+        SimModem* dying = sims.at(3).get();
+        auto identifications = std::make_shared<int>(0);
+        dying->addHandler([dying, identifications](const QByteArray& command) -> std::optional<modemsim::Reply> {
+            if (command == "I" && ++*identifications == 5)
+                dying->setFault(QByteArray(), Fault::Vanish);   // the next command, whatever it is
+            return std::nullopt;
+        });
+
+        QElapsedTimer clock;
+        clock.start();
+        const SearchResult first = search(names);
+        QVERIFY2(first.signalNames.contains(QStringLiteral("finished")), "the search did not end");
+        QCOMPARE(first.signalNames, QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
+        QStringList foundPorts;
+        for (const ModemInfo& m : qAsConst(first.modems))
+            foundPorts << m.portName();
+        QVERIFY2(foundPorts == QStringList({QStringLiteral("ttyS300")}), qPrintable(foundPorts.join(QLatin1Char(' '))));
+        QCOMPARE(first.modems.first().portName(), QStringLiteral("ttyS300"));
+        QCOMPARE(first.modems.first().imei(), QStringLiteral("866000000000100"));
+        QVERIFY(first.modems.first().isValid());
+        for (int i = 1; i < 4; ++i)
+            QVERIFY2(sims.at(i)->hasVanished(), qPrintable(names.at(i)));
+        qInfo("search with three vanishing devices: %lld ms", static_cast<long long>(clock.elapsed()));
+
+        // Nothing is left open or locked, on the vanished devices or on the
+        // healthy one.
+        for (int i = 0; i < 4; ++i) {
+            QCOMPARE(faults::openDescriptors(nodes.at(i)), i == 0 ? ownDescriptors.at(0) : 0);
+            QCOMPARE(faults::lockFiles(nodes.at(i)), QStringList());
+        }
+
+        // So the healthy modem is found again by the next search.
+        const SearchResult second = search(names);
+        QCOMPARE(second.signalNames, QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
+        QCOMPARE(second.modems.size(), 1);
+        QCOMPARE(second.modems.first().connectionName(), first.modems.first().connectionName());
+        QCOMPARE(faults::openDescriptors(nodes.at(0)), ownDescriptors.at(0));
+        QCOMPARE(faults::lockFiles(nodes.at(0)), QStringList());
+    }
+
+    // Every device vanishes, each at another step of its probe: the search
+    // ends, and its ports are all released.
+    void allDevicesVanish()
+    {
+        faults::Ports ports;
+        std::vector<std::unique_ptr<SimModem>> sims;
+        QStringList names;
+        QStringList nodes;
+        for (int i = 0; i < 3; ++i) {
+            sims.emplace_back(new SimModem(Make::Huawei));
+            QVERIFY(sims.back()->start());
+            names << QStringLiteral("ttyS%1").arg(310 + i);
+            ports.declare(names.last(), sims.back()->devicePath());
+            nodes << faults::deviceNode(sims.back()->devicePath());
+        }
+        sims.at(0)->setFault("I", Fault::Vanish);        // while identifying, at the first open
+        sims.at(1)->setFault("+GSN", Fault::Vanish);     // after the climb, reading the IMEI
+        sims.at(2)->setFault("&F0", Fault::Vanish);      // while being reset for the dialer
+
+        const SearchResult r = search(names);
+        QVERIFY2(r.signalNames.contains(QStringLiteral("finished")), "the search did not end");
+        QCOMPARE(r.signalNames, QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
+        // The modems that vanished once their operator was known still make
+        // a record (the probe does not look at the port again at its end),
+        // the one that vanished while reading the IMEI without an IMEI; the
+        // one that vanished while identifying makes none.
+        QMap<QString, ModemInfo> found;
+        for (const ModemInfo& m : qAsConst(r.modems))
+            found.insert(m.portName(), m);
+        QCOMPARE(found.keys(), QStringList({QStringLiteral("ttyS311"), QStringLiteral("ttyS312")}));
+        QCOMPARE(found.value(QStringLiteral("ttyS311")).imei(), QString());
+        QCOMPARE(found.value(QStringLiteral("ttyS312")).imei(), QStringLiteral("866123456789012"));
+        QVERIFY(found.value(QStringLiteral("ttyS311")).isValid());
+        QVERIFY(found.value(QStringLiteral("ttyS312")).isValid());
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(sims.at(i)->hasVanished());
+            QCOMPARE(faults::openDescriptors(nodes.at(i)), 0);
+            QCOMPARE(faults::lockFiles(nodes.at(i)), QStringList());
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFaultDiscovery)
+#include "tst_faultdiscovery.moc"
