@@ -2,6 +2,7 @@
 // operator, balance, ussd, own-number.
 #include "commandline.h"
 #include "commands.h"
+#include "modemcommand.h"
 #include "modemsession.h"
 #include "modemsettings.h"
 #include "operatordata.h"
@@ -30,7 +31,8 @@ QString codesText(int mcc, int mnc)
     return QStringLiteral("%1/%2").arg(mcc, 3, 10, QLatin1Char('0')).arg(mnc, 2, 10, QLatin1Char('0'));
 }
 
-void describeEntry(const OperatorData& entry, Report& report)
+// The operator table's entry, as fields and in the JSON.
+void reportEntry(const OperatorData& entry, Report& report)
 {
     report.field(QStringLiteral("Table entry"), entry.name());
     report.field(QStringLiteral("Balance code"), entry.balancePhone());
@@ -40,6 +42,19 @@ void describeEntry(const OperatorData& entry, Report& report)
                                                                          : QStringLiteral("USSD reply")));
     report.field(QStringLiteral("PPP user"), QStringLiteral("%1 / %2").arg(entry.userName(), entry.password()));
     report.field(QStringLiteral("Init line"), entry.modemInitLine());
+    report.json().insert(QStringLiteral("operatorTable"), QJsonObject::fromVariantMap(entry.toMap()));
+}
+
+// The network's name (AT+COPS?), or "unknown".
+void reportNetwork(AtModem& modem, Report& report)
+{
+    QString network;
+    if (modem.getOperator(network)) {
+        report.field(QStringLiteral("Network"), network);
+        report.json().insert(QStringLiteral("operator"), network);
+    } else {
+        report.field(QStringLiteral("Network"), QStringLiteral("unknown"));
+    }
 }
 
 // A text that may hold a NUL (an odd-length SIM number keeps one where a
@@ -58,6 +73,22 @@ QString rating(int dbm)
     if (dbm >= -100)
         return QStringLiteral("fair");
     return QStringLiteral("poor");
+}
+
+QString signalText(int dbm)
+{
+    return QStringLiteral("%1 dBm (%2)").arg(dbm).arg(rating(dbm));
+}
+
+// Sends a USSD code; false (and `report` failed) when no reply came.
+bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& report)
+{
+    if (modem.sendUSSD(code, reply))
+        return true;
+    const QString why = modem.lastError();
+    report.fail(QStringLiteral("no USSD reply to %1: %2")
+                    .arg(code, why.isEmpty() ? QStringLiteral("the network did not answer") : why));
+    return false;
 }
 
 QString hexWithDecimal(const QString& hex)
@@ -120,360 +151,300 @@ namespace commands {
 
 Report info(const QStringList& args)
 {
-    Report report;
-    CommandLine cl(QStringLiteral("info"),
-                   QStringLiteral("Opens the port, identifies the modem (name and dialect) and reads its\n"
-                                  "IMEI, the SIM's IMSI, MCC/MNC and operator (with the operator table's\n"
-                                  "entry), the signal level, the serving cell, the SIM id and the firmware\n"
-                                  "revision. Queries the modem cannot answer are shown as unknown."));
-    cl.addModemArguments();
-    if (!cl.parse(args, report))
-        return report;
-    ModemSession session;
-    if (!session.open(cl, report))
-        return report;
-    AtModem& modem = session.modem();
-    QJsonObject& json = report.json();
+    ModemCommand command(QStringLiteral("info"),
+                         QStringLiteral("Opens the port, identifies the modem (name and dialect) and reads its\n"
+                                        "IMEI, the SIM's IMSI, MCC/MNC and operator (with the operator table's\n"
+                                        "entry), the signal level, the serving cell, the SIM id and the firmware\n"
+                                        "revision. Queries the modem cannot answer are shown as unknown."));
+    return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
+        AtModem& modem = session.modem();
+        QJsonObject& json = report.json();
 
-    report.field(QStringLiteral("Port"), QStringLiteral("%1 at %2 baud").arg(session.portName()).arg(cl.baud()));
-    report.field(QStringLiteral("Modem"), QStringLiteral("%1 (dialect %2)").arg(modem.name(), modem.gsmDialect()));
+        report.field(QStringLiteral("Port"), QStringLiteral("%1 at %2 baud").arg(session.portName()).arg(cl.baud()));
+        report.field(QStringLiteral("Modem"), QStringLiteral("%1 (dialect %2)").arg(modem.name(), modem.gsmDialect()));
 
-    QVariantMap summary;
-    modem.getInfo(summary);
-    const QString unknown = QStringLiteral("unknown");
-    const QString imei = summary.value(QStringLiteral("imei")).toString();
-    const QString imsi = summary.value(QStringLiteral("imsi")).toString();
-    report.field(QStringLiteral("IMEI"), imei.isEmpty() ? unknown : imei);
-    report.field(QStringLiteral("IMSI"), imsi.isEmpty() ? unknown : imsi);
-    if (!imei.isEmpty())
-        json.insert(QStringLiteral("imei"), imei);
-    if (!imsi.isEmpty())
-        json.insert(QStringLiteral("imsi"), imsi);
+        QVariantMap summary;
+        modem.getInfo(summary);
+        const QString unknown = QStringLiteral("unknown");
+        const QString imei = summary.value(QStringLiteral("imei")).toString();
+        const QString imsi = summary.value(QStringLiteral("imsi")).toString();
+        report.field(QStringLiteral("IMEI"), imei.isEmpty() ? unknown : imei);
+        report.field(QStringLiteral("IMSI"), imsi.isEmpty() ? unknown : imsi);
+        if (!imei.isEmpty())
+            json.insert(QStringLiteral("imei"), imei);
+        if (!imsi.isEmpty())
+            json.insert(QStringLiteral("imsi"), imsi);
 
-    int mcc = 0;
-    int mnc = 0;
-    if (modem.getMnc(mcc, mnc)) {
-        report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
-        json.insert(QStringLiteral("mcc"), mcc);
-        json.insert(QStringLiteral("mnc"), mnc);
-    } else {
-        report.field(QStringLiteral("MCC/MNC"), unknown);
-    }
-
-    QString network;
-    if (modem.getOperator(network)) {
-        report.field(QStringLiteral("Network"), network);
-        json.insert(QStringLiteral("operator"), network);
-    } else {
-        report.field(QStringLiteral("Network"), unknown);
-    }
-    OperatorData entry;
-    if (mcc > 0 && tableEntry(mcc, mnc, entry)) {
-        describeEntry(entry, report);
-        json.insert(QStringLiteral("operatorTable"), QJsonObject::fromVariantMap(entry.toMap()));
-    } else if (mcc > 0) {
-        report.field(QStringLiteral("Table entry"), QStringLiteral("none for %1").arg(codesText(mcc, mnc)));
-    }
-
-    int level = 0;
-    if (modem.getSignalLevel(level)) {
-        report.field(QStringLiteral("Signal"), QStringLiteral("%1 dBm (%2)").arg(level).arg(rating(level)));
-        json.insert(QStringLiteral("signal"), level);
-    } else {
-        report.field(QStringLiteral("Signal"), unknown);
-    }
-
-    QString lac;
-    QString cid;
-    if (modem.getGsmCells(lac, cid)) {
-        report.field(QStringLiteral("Serving cell"), QStringLiteral("LAC %1, CID %2").arg(lac, cid));
-        json.insert(QStringLiteral("lac"), lac);
-        json.insert(QStringLiteral("cid"), cid);
-    } else {
-        report.field(QStringLiteral("Serving cell"), unknown);
-    }
-
-    // The Siemens family calls it "simId", the others "sim_id": the
-    // library's keys are kept in the JSON.
-    for (const QString& key : {QStringLiteral("simId"), QStringLiteral("sim_id")}) {
-        if (summary.contains(key)) {
-            const QString id = summary.value(key).toString();
-            report.field(QStringLiteral("SIM id"), printable(id));
-            json.insert(key, id);
+        int mcc = 0;
+        int mnc = 0;
+        if (modem.getMnc(mcc, mnc)) {
+            report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
+            json.insert(QStringLiteral("mcc"), mcc);
+            json.insert(QStringLiteral("mnc"), mnc);
+        } else {
+            report.field(QStringLiteral("MCC/MNC"), unknown);
         }
-    }
-    if (summary.contains(QStringLiteral("revision"))) {
-        const QString revision = summary.value(QStringLiteral("revision")).toString();
-        report.field(QStringLiteral("Revision"), revision);
-        json.insert(QStringLiteral("revision"), revision);
-    }
-    if (summary.contains(QStringLiteral("gsmCells"))) {
-        QJsonArray cells;
-        QStringList rows;
-        for (const QVariant& cell : summary.value(QStringLiteral("gsmCells")).toList()) {
-            const QVariantMap c = cell.toMap();
-            cells.append(QJsonObject::fromVariantMap(c));
-            rows << QStringLiteral("  %1 %2 %3 %4")
-                        .arg(c.value(QStringLiteral("mcc")).toString().leftJustified(4),
-                             c.value(QStringLiteral("mnc")).toString().leftJustified(4),
-                             c.value(QStringLiteral("cid")).toString().leftJustified(9),
-                             c.value(QStringLiteral("lac")).toString());
+
+        reportNetwork(modem, report);
+        OperatorData entry;
+        if (mcc > 0 && tableEntry(mcc, mnc, entry))
+            reportEntry(entry, report);
+        else if (mcc > 0)
+            report.field(QStringLiteral("Table entry"), QStringLiteral("none for %1").arg(codesText(mcc, mnc)));
+
+        int level = 0;
+        if (modem.getSignalLevel(level)) {
+            report.field(QStringLiteral("Signal"), signalText(level));
+            json.insert(QStringLiteral("signal"), level);
+        } else {
+            report.field(QStringLiteral("Signal"), unknown);
         }
-        json.insert(QStringLiteral("gsmCells"), cells);
-        report.line(QStringLiteral("Cells:"));
-        report.line(QStringLiteral("  MCC  MNC  CELL      LAC"));
-        report.lines(rows);
-    }
-    return report;
+
+        QString lac;
+        QString cid;
+        if (modem.getGsmCells(lac, cid)) {
+            report.field(QStringLiteral("Serving cell"), QStringLiteral("LAC %1, CID %2").arg(lac, cid));
+            json.insert(QStringLiteral("lac"), lac);
+            json.insert(QStringLiteral("cid"), cid);
+        } else {
+            report.field(QStringLiteral("Serving cell"), unknown);
+        }
+
+        // The Siemens family calls it "simId", the others "sim_id": the
+        // library's keys are kept in the JSON.
+        for (const QString& key : {QStringLiteral("simId"), QStringLiteral("sim_id")}) {
+            if (summary.contains(key)) {
+                const QString id = summary.value(key).toString();
+                report.field(QStringLiteral("SIM id"), printable(id));
+                json.insert(key, id);
+            }
+        }
+        if (summary.contains(QStringLiteral("revision"))) {
+            const QString revision = summary.value(QStringLiteral("revision")).toString();
+            report.field(QStringLiteral("Revision"), revision);
+            json.insert(QStringLiteral("revision"), revision);
+        }
+        if (summary.contains(QStringLiteral("gsmCells"))) {
+            QJsonArray cells;
+            QStringList rows;
+            for (const QVariant& cell : summary.value(QStringLiteral("gsmCells")).toList()) {
+                const QVariantMap c = cell.toMap();
+                cells.append(QJsonObject::fromVariantMap(c));
+                rows << QStringLiteral("  %1 %2 %3 %4")
+                            .arg(c.value(QStringLiteral("mcc")).toString().leftJustified(4),
+                                 c.value(QStringLiteral("mnc")).toString().leftJustified(4),
+                                 c.value(QStringLiteral("cid")).toString().leftJustified(9),
+                                 c.value(QStringLiteral("lac")).toString());
+            }
+            json.insert(QStringLiteral("gsmCells"), cells);
+            report.line(QStringLiteral("Cells:"));
+            report.line(QStringLiteral("  MCC  MNC  CELL      LAC"));
+            report.lines(rows);
+        }
+    });
 }
 
 Report signal(const QStringList& args)
 {
-    Report report;
-    CommandLine cl(QStringLiteral("signal"),
-                   QStringLiteral("Prints the signal level in dBm (AT+CSQ). When the modem cannot measure\n"
-                                  "it (index 99), the library reports a weak level from -109 to -90 dBm\n"
-                                  "instead, as it does for the modems service."));
-    cl.addModemArguments();
-    if (!cl.parse(args, report))
-        return report;
-    ModemSession session;
-    if (!session.open(cl, report))
-        return report;
-    int level = 0;
-    if (!session.modem().getSignalLevel(level)) {
-        report.fail(QStringLiteral("the modem did not report the signal level: %1").arg(session.modem().lastError()));
-        return report;
-    }
-    report.field(QStringLiteral("Signal"), QStringLiteral("%1 dBm (%2)").arg(level).arg(rating(level)));
-    report.json().insert(QStringLiteral("signal"), level);
-    report.json().insert(QStringLiteral("rating"), rating(level));
-    return report;
+    ModemCommand command(QStringLiteral("signal"),
+                         QStringLiteral("Prints the signal level in dBm (AT+CSQ). When the modem cannot measure\n"
+                                        "it (index 99), the library reports a weak level from -109 to -90 dBm\n"
+                                        "instead, as it does for the modems service."));
+    return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
+        int level = 0;
+        if (!session.modem().getSignalLevel(level)) {
+            report.fail(
+                QStringLiteral("the modem did not report the signal level: %1").arg(session.modem().lastError()));
+            return;
+        }
+        report.field(QStringLiteral("Signal"), signalText(level));
+        report.json().insert(QStringLiteral("signal"), level);
+        report.json().insert(QStringLiteral("rating"), rating(level));
+    });
 }
 
 Report cells(const QStringList& args)
 {
-    Report report;
-    CommandLine cl(QStringLiteral("cells"),
-                   QStringLiteral("Prints the serving cell's location area code and cell identity (AT+CREG,\n"
-                                  "hexadecimal as the modem gives them, decimal in brackets), and the\n"
-                                  "neighbour cells of modems that list them (Siemens/Cinterion: ^SMONC with\n"
-                                  "levels from ^MONI/^MONP; SIMCOM: the packet-domain cell of AT+CGREG)."));
-    cl.addModemArguments();
-    if (!cl.parse(args, report))
-        return report;
-    ModemSession session;
-    if (!session.open(cl, report))
-        return report;
-    AtModem& modem = session.modem();
-    QJsonObject& json = report.json();
+    ModemCommand command(QStringLiteral("cells"),
+                         QStringLiteral("Prints the serving cell's location area code and cell identity (AT+CREG,\n"
+                                        "hexadecimal as the modem gives them, decimal in brackets), and the\n"
+                                        "neighbour cells of modems that list them (Siemens/Cinterion: ^SMONC with\n"
+                                        "levels from ^MONI/^MONP; SIMCOM: the packet-domain cell of AT+CGREG)."));
+    return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
+        AtModem& modem = session.modem();
+        QJsonObject& json = report.json();
 
-    QString lac;
-    QString cid;
-    const bool serving = modem.getGsmCells(lac, cid);
-    QString list;
-    const bool neighbours = neighbourCells(modem, list);
-    if (!serving && !neighbours) {
-        report.fail(QStringLiteral("the modem reports no cell (not registered?)"));
-        return report;
-    }
-    if (serving) {
-        report.field(QStringLiteral("Serving cell"),
-                     QStringLiteral("LAC %1, CID %2").arg(hexWithDecimal(lac), hexWithDecimal(cid)));
-        json.insert(QStringLiteral("lac"), lac);
-        json.insert(QStringLiteral("cid"), cid);
-    } else {
-        report.field(QStringLiteral("Serving cell"), QStringLiteral("unknown"));
-    }
-    if (neighbours) {
-        QStringList rows;
-        json.insert(QStringLiteral("cells"), cellList(list, &rows));
-        report.line(QStringLiteral("Cells (cell identity and LAC in decimal):"));
-        report.line(cellHeader());
-        report.lines(rows);
-    }
-    return report;
+        QString lac;
+        QString cid;
+        const bool serving = modem.getGsmCells(lac, cid);
+        QString list;
+        const bool neighbours = neighbourCells(modem, list);
+        if (!serving && !neighbours) {
+            report.fail(QStringLiteral("the modem reports no cell (not registered?)"));
+            return;
+        }
+        if (serving) {
+            report.field(QStringLiteral("Serving cell"),
+                         QStringLiteral("LAC %1, CID %2").arg(hexWithDecimal(lac), hexWithDecimal(cid)));
+            json.insert(QStringLiteral("lac"), lac);
+            json.insert(QStringLiteral("cid"), cid);
+        } else {
+            report.field(QStringLiteral("Serving cell"), QStringLiteral("unknown"));
+        }
+        if (neighbours) {
+            QStringList rows;
+            json.insert(QStringLiteral("cells"), cellList(list, &rows));
+            report.line(QStringLiteral("Cells (cell identity and LAC in decimal):"));
+            report.line(cellHeader());
+            report.lines(rows);
+        }
+    });
 }
 
 Report operatorInfo(const QStringList& args)
 {
-    Report report;
-    CommandLine cl(QStringLiteral("operator"),
-                   QStringLiteral("Prints the SIM's MCC and MNC (from the IMSI), the network's name\n"
-                                  "(AT+COPS?) and the operator table's entry for the codes: balance and\n"
-                                  "own-number USSD codes, PPP user and password, the init line."));
-    cl.addModemArguments();
-    if (!cl.parse(args, report))
-        return report;
-    ModemSession session;
-    if (!session.open(cl, report))
-        return report;
-    int mcc = 0;
-    int mnc = 0;
-    if (!session.operatorCodes(mcc, mnc, report))
-        return report;
-    QJsonObject& json = report.json();
-    json.insert(QStringLiteral("mcc"), mcc);
-    json.insert(QStringLiteral("mnc"), mnc);
-    report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
+    ModemCommand command(QStringLiteral("operator"),
+                         QStringLiteral("Prints the SIM's MCC and MNC (from the IMSI), the network's name\n"
+                                        "(AT+COPS?) and the operator table's entry for the codes: balance and\n"
+                                        "own-number USSD codes, PPP user and password, the init line."));
+    return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
+        int mcc = 0;
+        int mnc = 0;
+        if (!session.operatorCodes(mcc, mnc, report))
+            return;
+        QJsonObject& json = report.json();
+        json.insert(QStringLiteral("mcc"), mcc);
+        json.insert(QStringLiteral("mnc"), mnc);
+        report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
 
-    QString network;
-    if (session.modem().getOperator(network)) {
-        report.field(QStringLiteral("Network"), network);
-        json.insert(QStringLiteral("operator"), network);
-    } else {
-        report.field(QStringLiteral("Network"), QStringLiteral("unknown"));
-    }
-    OperatorData entry;
-    if (tableEntry(mcc, mnc, entry)) {
-        describeEntry(entry, report);
-        json.insert(QStringLiteral("operatorTable"), QJsonObject::fromVariantMap(entry.toMap()));
-    } else {
-        report.field(QStringLiteral("Table entry"), QStringLiteral("none (the operator is not in the table)"));
-        json.insert(QStringLiteral("operatorTable"), QJsonValue());
-    }
-    return report;
+        reportNetwork(session.modem(), report);
+        OperatorData entry;
+        if (tableEntry(mcc, mnc, entry)) {
+            reportEntry(entry, report);
+        } else {
+            report.field(QStringLiteral("Table entry"), QStringLiteral("none (the operator is not in the table)"));
+            json.insert(QStringLiteral("operatorTable"), QJsonValue());
+        }
+    });
 }
 
 Report balance(const QStringList& args)
 {
-    Report report;
-    CommandLine cl(QStringLiteral("balance"),
-                   QStringLiteral("Asks the account balance by USSD and prints the amount found in the\n"
-                                  "operator's reply, and the reply itself. The code is the operator table's\n"
-                                  "balance code for the SIM's operator unless --code gives one. The network's\n"
-                                  "reply is awaited up to about 20 s."));
-    cl.addModemArguments();
-    cl.addOption(QCommandLineOption(CODE, QStringLiteral("USSD code to send (default: the operator's)."),
-                                    QStringLiteral("code")));
-    if (!cl.parse(args, report))
-        return report;
-    ModemSession session;
-    if (!session.open(cl, report))
-        return report;
-    AtModem& modem = session.modem();
+    ModemCommand command(QStringLiteral("balance"),
+                         QStringLiteral("Asks the account balance by USSD and prints the amount found in the\n"
+                                        "operator's reply, and the reply itself. The code is the operator table's\n"
+                                        "balance code for the SIM's operator unless --code gives one. The network's\n"
+                                        "reply is awaited up to about 20 s."));
+    command.commandLine().addOption(QCommandLineOption(
+        CODE, QStringLiteral("USSD code to send (default: the operator's)."), QStringLiteral("code")));
+    return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
+        AtModem& modem = session.modem();
 
-    QString code = cl.value(CODE);
-    if (code.isEmpty()) {
-        int mcc = 0;
-        int mnc = 0;
-        if (!session.operatorCodes(mcc, mnc, report))
-            return report;
-        OperatorData entry;
-        if (!tableEntry(mcc, mnc, entry) || entry.balancePhone().isEmpty()) {
-            report.fail(QStringLiteral("the operator table has no balance code for %1; give one with --code")
-                            .arg(codesText(mcc, mnc)));
-            return report;
+        QString code = cl.value(CODE);
+        if (code.isEmpty()) {
+            int mcc = 0;
+            int mnc = 0;
+            if (!session.operatorCodes(mcc, mnc, report))
+                return;
+            OperatorData entry;
+            if (!tableEntry(mcc, mnc, entry) || entry.balancePhone().isEmpty()) {
+                report.fail(QStringLiteral("the operator table has no balance code for %1; give one with --code")
+                                .arg(codesText(mcc, mnc)));
+                return;
+            }
+            code = entry.balancePhone();
         }
-        code = entry.balancePhone();
-    }
-    QString reply;
-    if (!modem.sendUSSD(code, reply)) {
-        const QString why = modem.lastError();
-        report.fail(QStringLiteral("no USSD reply to %1: %2")
-                        .arg(code, why.isEmpty() ? QStringLiteral("the network did not answer") : why));
-        return report;
-    }
-    const double amount = modem.parseModemBalance(reply);
-    report.field(QStringLiteral("Balance"), QString::number(amount, 'f', 2));
-    report.field(QStringLiteral("Reply"), reply);
-    report.json().insert(QStringLiteral("code"), code);
-    report.json().insert(QStringLiteral("amount"), amount);
-    report.json().insert(QStringLiteral("text"), reply);
-    return report;
+        QString reply;
+        if (!sendUssd(modem, code, reply, report))
+            return;
+        const double amount = modem.parseModemBalance(reply);
+        report.field(QStringLiteral("Balance"), QString::number(amount, 'f', 2));
+        report.field(QStringLiteral("Reply"), reply);
+        report.json().insert(QStringLiteral("code"), code);
+        report.json().insert(QStringLiteral("amount"), amount);
+        report.json().insert(QStringLiteral("text"), reply);
+    });
 }
 
 Report ussd(const QStringList& args)
 {
-    Report report;
-    CommandLine cl(QStringLiteral("ussd"),
-                   QStringLiteral("Sends a USSD code and prints the network's reply (awaited up to about\n"
-                                  "20 s). Codes are written as on a phone: *100#."));
-    cl.addModemArguments();
-    cl.addPositional(QStringLiteral("CODE"), QStringLiteral("The USSD code, for example *100#."));
-    if (!cl.parse(args, report))
-        return report;
-    ModemSession session;
-    if (!session.open(cl, report))
-        return report;
-    const QString code = cl.positional(1);
-    QString reply;
-    if (!session.modem().sendUSSD(code, reply)) {
-        const QString why = session.modem().lastError();
-        report.fail(QStringLiteral("no USSD reply to %1: %2")
-                        .arg(code, why.isEmpty() ? QStringLiteral("the network did not answer") : why));
-        return report;
-    }
-    // A reply of only a status (+CUSD: 2 or 4, say) carries no text.
-    report.field(QStringLiteral("Reply"), reply.isEmpty() ? QStringLiteral("(no text)") : reply);
-    report.json().insert(QStringLiteral("code"), code);
-    report.json().insert(QStringLiteral("reply"), reply);
-    return report;
+    ModemCommand command(QStringLiteral("ussd"),
+                         QStringLiteral("Sends a USSD code and prints the network's reply (awaited up to about\n"
+                                        "20 s). Codes are written as on a phone: *100#."));
+    command.commandLine().addPositional(QStringLiteral("CODE"), QStringLiteral("The USSD code, for example *100#."));
+    return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
+        const QString code = cl.positional(1);
+        QString reply;
+        if (!sendUssd(session.modem(), code, reply, report))
+            return;
+        // A reply of only a status (+CUSD: 2 or 4, say) carries no text.
+        report.field(QStringLiteral("Reply"), reply.isEmpty() ? QStringLiteral("(no text)") : reply);
+        report.json().insert(QStringLiteral("code"), code);
+        report.json().insert(QStringLiteral("reply"), reply);
+    });
 }
 
 Report ownNumber(const QStringList& args)
 {
-    Report report;
-    CommandLine cl(QStringLiteral("own-number"),
-                   QStringLiteral("Asks the operator for the SIM's own telephone number, with the operator\n"
-                                  "table's code and way unless --code and --sms/--ussd-reply say otherwise.\n"
-                                  "By USSD reply the number is read from the reply (up to about 20 s). By\n"
-                                  "SMS the operator sends the number in a message: the tool waits about 15 s,\n"
-                                  "then reads the modem's stored messages - and, as \"sms list\", deletes them\n"
-                                  "all from the modem."));
-    cl.addModemArguments();
-    cl.addOption(QCommandLineOption(CODE, QStringLiteral("USSD code to send (default: the operator's)."),
-                                    QStringLiteral("code")));
+    ModemCommand command(QStringLiteral("own-number"),
+                         QStringLiteral("Asks the operator for the SIM's own telephone number, with the operator\n"
+                                        "table's code and way unless --code and --sms/--ussd-reply say otherwise.\n"
+                                        "By USSD reply the number is read from the reply (up to about 20 s). By\n"
+                                        "SMS the operator sends the number in a message: the tool waits about 15 s,\n"
+                                        "then reads the modem's stored messages - and, as \"sms list\", deletes them\n"
+                                        "all from the modem."));
     const QString SMS = QStringLiteral("sms");
     const QString REPLY = QStringLiteral("ussd-reply");
-    cl.addOption(QCommandLineOption(SMS, QStringLiteral("The number comes back as an SMS.")));
-    cl.addOption(QCommandLineOption(REPLY, QStringLiteral("The number comes back as the USSD reply.")));
-    if (!cl.parse(args, report))
-        return report;
-    if (cl.isSet(SMS) && cl.isSet(REPLY)) {
-        report.fail(QStringLiteral("--sms and --ussd-reply exclude each other"), Report::UsageError);
-        return report;
-    }
-    ModemSession session;
-    if (!session.open(cl, report))
-        return report;
-
-    QString code = cl.value(CODE);
-    bool fromSms = cl.isSet(SMS);
-    if (code.isEmpty() || (!cl.isSet(SMS) && !cl.isSet(REPLY))) {
-        int mcc = 0;
-        int mnc = 0;
-        OperatorData entry;
-        const bool known = session.modem().getMnc(mcc, mnc) && tableEntry(mcc, mnc, entry);
-        if (code.isEmpty()) {
-            if (!known || entry.selfNumberPhone().isEmpty()) {
-                report.fail(QStringLiteral("the operator table has no own-number code for %1; give one with --code")
-                                .arg(mcc > 0 ? codesText(mcc, mnc) : QStringLiteral("this SIM")));
-                return report;
-            }
-            code = entry.selfNumberPhone();
+    CommandLine& commandLine = command.commandLine();
+    commandLine.addOption(QCommandLineOption(CODE, QStringLiteral("USSD code to send (default: the operator's)."),
+                                             QStringLiteral("code")));
+    commandLine.addOption(QCommandLineOption(SMS, QStringLiteral("The number comes back as an SMS.")));
+    commandLine.addOption(QCommandLineOption(REPLY, QStringLiteral("The number comes back as the USSD reply.")));
+    command.setCheck([&](const CommandLine& cl, Report& report) {
+        if (cl.isSet(SMS) && cl.isSet(REPLY)) {
+            report.fail(QStringLiteral("--sms and --ussd-reply exclude each other"), Report::UsageError);
+            return false;
         }
-        if (!cl.isSet(SMS) && !cl.isSet(REPLY))
-            fromSms = known && entry.selfNumberFromSms();
-    }
+        return true;
+    });
+    return command.run(args, [&](ModemSession& session, const CommandLine& cl, Report& report) {
+        QString code = cl.value(CODE);
+        bool fromSms = cl.isSet(SMS);
+        if (code.isEmpty() || (!cl.isSet(SMS) && !cl.isSet(REPLY))) {
+            int mcc = 0;
+            int mnc = 0;
+            OperatorData entry;
+            const bool known = session.modem().getMnc(mcc, mnc) && tableEntry(mcc, mnc, entry);
+            if (code.isEmpty()) {
+                if (!known || entry.selfNumberPhone().isEmpty()) {
+                    report.fail(
+                        QStringLiteral("the operator table has no own-number code for %1; give one with --code")
+                            .arg(mcc > 0 ? codesText(mcc, mnc) : QStringLiteral("this SIM")));
+                    return;
+                }
+                code = entry.selfNumberPhone();
+            }
+            if (!cl.isSet(SMS) && !cl.isSet(REPLY))
+                fromSms = known && entry.selfNumberFromSms();
+        }
 
-    QString number;
-    if (!session.modem().requestSelfNumber(fromSms, code, number)) {
-        const QString why = session.modem().lastError();
-        report.fail(QStringLiteral("the request %1 did not go through: %2")
-                        .arg(code, why.isEmpty() ? QStringLiteral("no reply from the network") : why));
-        return report;
-    }
-    if (number.isEmpty()) {
-        report.fail(QStringLiteral("the operator's %1 held no telephone number")
-                        .arg(fromSms ? QStringLiteral("messages") : QStringLiteral("reply")));
-        return report;
-    }
-    report.field(QStringLiteral("Own number"), number);
-    report.json().insert(QStringLiteral("code"), code);
-    report.json().insert(QStringLiteral("fromSms"), fromSms);
-    report.json().insert(QStringLiteral("number"), number);
-    return report;
+        QString number;
+        if (!session.modem().requestSelfNumber(fromSms, code, number)) {
+            const QString why = session.modem().lastError();
+            report.fail(QStringLiteral("the request %1 did not go through: %2")
+                            .arg(code, why.isEmpty() ? QStringLiteral("no reply from the network") : why));
+            return;
+        }
+        if (number.isEmpty()) {
+            report.fail(QStringLiteral("the operator's %1 held no telephone number")
+                            .arg(fromSms ? QStringLiteral("messages") : QStringLiteral("reply")));
+            return;
+        }
+        report.field(QStringLiteral("Own number"), number);
+        report.json().insert(QStringLiteral("code"), code);
+        report.json().insert(QStringLiteral("fromSms"), fromSms);
+        report.json().insert(QStringLiteral("number"), number);
+    });
 }
 
 } // namespace commands
