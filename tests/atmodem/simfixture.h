@@ -1,16 +1,22 @@
 #pragma once
-// Helpers shared by the driver tests: a simulated modem opened through a
-// real serial port, and a recorder of the log messages written meanwhile.
+// Helpers shared by the driver tests: a lock directory of the test's own, a
+// simulated modem opened through a real serial port, and a recorder of the
+// log messages written meanwhile.
 #include "atmodem.h"
 #include "simmodem.h"
 
+#include <QByteArray>
+#include <QDateTime>
+#include <QFile>
 #include <QList>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QString>
+#include <QTemporaryDir>
 #include <QtTest>
 
 Q_DECLARE_METATYPE(modemsim::Make)
+Q_DECLARE_METATYPE(QList<QByteArray>)
 
 namespace zmltest {
 
@@ -18,6 +24,34 @@ namespace zmltest {
 inline QString portNameOf(const QString& path)
 {
     return path.startsWith(QLatin1String("/dev/")) ? path.mid(5) : path;
+}
+
+// A directory of the test's own for the port locks, so that tests running
+// side by side (and the machine's own locks) never meet.
+class LockDir
+{
+public:
+    // Points the port locking at the directory; false when it could not be
+    // made.
+    bool install()
+    {
+        if (!m_dir.isValid())
+            return false;
+        qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_dir.path()));
+        return true;
+    }
+    QString filePath(const QString& name) const { return m_dir.filePath(name); }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+// A time stamp `minutes` before now, in whole seconds: the time stamp of an
+// SMS has no milliseconds.
+inline QDateTime minutesAgo(int minutes)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    return now.addMSecs(-now.time().msec()).addSecs(-60 * minutes);
 }
 
 // Starts the simulator, opens the driver on it and forgets the commands of

@@ -4,7 +4,6 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QTemporaryDir>
 
 using namespace modemsim;
 using zmltest::portNameOf;
@@ -21,14 +20,10 @@ class TestAtChannel : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_lockDir;
+    zmltest::LockDir m_lockDir;
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_lockDir.isValid());
-        qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_lockDir.path()));
-    }
+    void initTestCase() { QVERIFY(m_lockDir.install()); }
 
     void makeCommand()
     {

@@ -3,13 +3,9 @@
 #include "simfixture.h"
 
 #include <QDateTime>
-#include <QFile>
-#include <QTemporaryDir>
 
 using namespace modemsim;
 using zmltest::startAndOpen;
-
-Q_DECLARE_METATYPE(QList<QByteArray>)
 
 namespace {
 
@@ -47,14 +43,10 @@ class TestIdentity : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_lockDir;
+    zmltest::LockDir m_lockDir;
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_lockDir.isValid());
-        qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_lockDir.path()));
-    }
+    void initTestCase() { QVERIFY(m_lockDir.install()); }
 
     void numberQuery_data()
     {

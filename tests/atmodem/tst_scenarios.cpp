@@ -4,36 +4,18 @@
 
 #include <qt5ext/logformat.h>
 
-#include <QFile>
-#include <QTemporaryDir>
-
 using namespace modemsim;
-
-Q_DECLARE_METATYPE(QList<QByteArray>)
-
-namespace {
-
-QDateTime minutesAgo(int minutes)
-{
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.addMSecs(-now.time().msec()).addSecs(-60 * minutes);
-}
-
-} // namespace
+using zmltest::minutesAgo;
 
 class TestScenarios : public QObject
 {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_lockDir;
+    zmltest::LockDir m_lockDir;
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_lockDir.isValid());
-        qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_lockDir.path()));
-    }
+    void initTestCase() { QVERIFY(m_lockDir.install()); }
 
     void serviceDay_data()
     {

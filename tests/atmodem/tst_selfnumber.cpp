@@ -2,37 +2,19 @@
 // or in the SMS the operator sends back.
 #include "simfixture.h"
 
-#include <QFile>
-#include <QTemporaryDir>
-
 using namespace modemsim;
+using zmltest::minutesAgo;
 using zmltest::startAndOpen;
-
-Q_DECLARE_METATYPE(QList<QByteArray>)
-
-namespace {
-
-QDateTime minutesAgo(int minutes)
-{
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.addMSecs(-now.time().msec()).addSecs(-60 * minutes);
-}
-
-} // namespace
 
 class TestSelfNumber : public QObject
 {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_lockDir;
+    zmltest::LockDir m_lockDir;
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_lockDir.isValid());
-        qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_lockDir.path()));
-    }
+    void initTestCase() { QVERIFY(m_lockDir.install()); }
 
     void byUssdReply_data()
     {

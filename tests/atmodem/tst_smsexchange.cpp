@@ -2,22 +2,14 @@
 // one in text mode, against the simulated modem's SMS store.
 #include "simfixture.h"
 
-#include <QFile>
 #include <QTimer>
-#include <QTemporaryDir>
 
 using namespace modemsim;
 using zmltest::LogRecorder;
+using zmltest::minutesAgo;
 using zmltest::startAndOpen;
 
 namespace {
-
-QDateTime minutesAgo(int minutes)
-{
-    // Whole seconds: the time stamp of an SMS has no milliseconds.
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.addMSecs(-now.time().msec()).addSecs(-60 * minutes);
-}
 
 QList<QByteArray> deletions(const SimModem& sim)
 {
@@ -35,14 +27,10 @@ class TestSms : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_lockDir;
+    zmltest::LockDir m_lockDir;
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_lockDir.isValid());
-        qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_lockDir.path()));
-    }
+    void initTestCase() { QVERIFY(m_lockDir.install()); }
 
     void noMessages()
     {

@@ -4,16 +4,12 @@
 #include "simfixture.h"
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QTranslator>
 
 using namespace modemsim;
 using zmltest::LogRecorder;
 using zmltest::startAndOpen;
-
-Q_DECLARE_METATYPE(QList<QByteArray>)
 
 namespace {
 
@@ -31,14 +27,10 @@ class TestUssd : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_lockDir;
+    zmltest::LockDir m_lockDir;
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_lockDir.isValid());
-        qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_lockDir.path()));
-    }
+    void initTestCase() { QVERIFY(m_lockDir.install()); }
 
     void cusdMessage_data()
     {
