@@ -39,13 +39,15 @@ inline int openDescriptors(const QString& node)
 
 // Serial lock files ("LCK..<name>", the UUCP convention that QSerialPort and
 // the platform's unlockPort share) that this process holds for the device
-// `node`, in every folder where a lock may be kept. A vanished device's pty
-// number is soon given to another program (other tests running at the same
-// time), whose locks are not this process's business: a lock counts only
-// when it names this process.
-inline QStringList lockFiles(const QString& node)
+// opened as `path` (a device node, or a link: the lock is named after the
+// path that was opened, "/dev/" left out and "/" made "_"), in every folder
+// where a lock may be kept. A vanished device's pty number is soon given to
+// another program (other tests running at the same time), whose locks are
+// not this process's business: a lock counts only when it names this
+// process.
+inline QStringList lockFiles(const QString& path)
 {
-    QString name = node;
+    QString name = path;
     if (name.startsWith(QLatin1String("/dev/")))
         name = name.mid(5);
     name.replace(QLatin1Char('/'), QLatin1Char('_'));
@@ -69,6 +71,12 @@ inline QStringList lockFiles(const QString& node)
             found << file;
     }
     return found;
+}
+
+// The same for a device known by its node and the link it was opened by.
+inline QStringList lockFiles(const QString& node, const QString& link)
+{
+    return lockFiles(node) + lockFiles(link);
 }
 
 // Bare port names mapped to simulated devices, installed for the process

@@ -10,6 +10,7 @@
 #include "simmodem.h"
 
 #include <QElapsedTimer>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
@@ -64,6 +65,11 @@ private slots:
 
     void devicesVanishDuringSearch()
     {
+        // The ports are links to the ptys, as udev names them: a vanished
+        // device takes its link with it, so its name never reaches a pty
+        // number that the system has since given to another program.
+        QTemporaryDir links;
+        QVERIFY(links.isValid());
         faults::Ports ports;
         std::vector<std::unique_ptr<SimModem>> sims;
         QStringList names;
@@ -74,6 +80,7 @@ private slots:
             QString error;
             QVERIFY2(sims.back()->start(&error), qPrintable(error));
             names << QStringLiteral("ttyS%1").arg(300 + i);
+            QVERIFY(sims.back()->createLink(links.filePath(names.last())));
             ports.declare(names.last(), sims.back()->devicePath());
         }
         QStringList nodes;
@@ -117,7 +124,7 @@ private slots:
         // healthy one.
         for (int i = 0; i < 4; ++i) {
             QCOMPARE(faults::openDescriptors(nodes.at(i)), i == 0 ? ownDescriptors.at(0) : 0);
-            QCOMPARE(faults::lockFiles(nodes.at(i)), QStringList());
+            QCOMPARE(faults::lockFiles(nodes.at(i), links.filePath(names.at(i))), QStringList());
         }
 
         // So the healthy modem is found again by the next search.
@@ -126,13 +133,15 @@ private slots:
         QCOMPARE(second.modems.size(), 1);
         QCOMPARE(second.modems.first().connectionName(), first.modems.first().connectionName());
         QCOMPARE(faults::openDescriptors(nodes.at(0)), ownDescriptors.at(0));
-        QCOMPARE(faults::lockFiles(nodes.at(0)), QStringList());
+        QCOMPARE(faults::lockFiles(nodes.at(0), links.filePath(names.at(0))), QStringList());
     }
 
     // Every device vanishes, each at another step of its probe: the search
     // ends, and its ports are all released.
     void allDevicesVanish()
     {
+        QTemporaryDir links;
+        QVERIFY(links.isValid());
         faults::Ports ports;
         std::vector<std::unique_ptr<SimModem>> sims;
         QStringList names;
@@ -141,6 +150,7 @@ private slots:
             sims.emplace_back(new SimModem(Make::Huawei));
             QVERIFY(sims.back()->start());
             names << QStringLiteral("ttyS%1").arg(310 + i);
+            QVERIFY(sims.back()->createLink(links.filePath(names.last())));
             ports.declare(names.last(), sims.back()->devicePath());
             nodes << faults::deviceNode(sims.back()->devicePath());
         }
@@ -166,7 +176,7 @@ private slots:
         for (int i = 0; i < 3; ++i) {
             QVERIFY(sims.at(i)->hasVanished());
             QCOMPARE(faults::openDescriptors(nodes.at(i)), 0);
-            QCOMPARE(faults::lockFiles(nodes.at(i)), QStringList());
+            QCOMPARE(faults::lockFiles(nodes.at(i), links.filePath(names.at(i))), QStringList());
         }
     }
 };
