@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project needs to build, test and run,
 # when any of them is missing. Safe to run again: it does nothing then.
+#   tools/install-deps.sh          build, tests, sanitizer runs
+#   tools/install-deps.sh --fuzz   and clang with libFuzzer for the fuzz targets
 set -euo pipefail
 
 packages=(
@@ -14,6 +16,9 @@ packages=(
     # Packaging checks.
     dpkg-dev file
 )
+if [ "${1:-}" = "--fuzz" ]; then
+    packages+=(clang libclang-rt-dev)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

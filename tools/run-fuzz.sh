@@ -29,8 +29,9 @@ while [ $# -gt 0 ]; do
     shift
 done
 
+"$root/tools/install-deps.sh" --fuzz
 if ! command -v clang++ >/dev/null; then
-    echo "run-fuzz: clang++ is missing (Debian: clang libclang-rt-14-dev)" >&2
+    echo "run-fuzz: clang++ is missing (Debian: clang libclang-rt-dev)" >&2
     exit 2
 fi
 # The "fuzz" preset holds the compiler and the sanitizer flags.
