@@ -3,6 +3,7 @@
 // simulated modem opened through a real serial port, and a recorder of the
 // log messages written meanwhile.
 #include "atmodem.h"
+#include "logrecorder.h"
 #include "simmodem.h"
 
 #include <QByteArray>
@@ -70,64 +71,5 @@ inline bool startAndOpen(modemsim::SimModem& sim, AtModem& modem, qint32 baudRat
     sim.clearLog();
     return true;
 }
-
-// Records every message logged while it lives, and passes them on.
-class LogRecorder
-{
-public:
-    struct Entry
-    {
-        QtMsgType type;
-        QString category;
-        QString text;
-    };
-
-    LogRecorder()
-    {
-        instance() = this;
-        m_previous = qInstallMessageHandler(&LogRecorder::handle);
-    }
-    ~LogRecorder()
-    {
-        qInstallMessageHandler(m_previous);
-        instance() = nullptr;
-    }
-    LogRecorder(const LogRecorder&) = delete;
-    LogRecorder& operator=(const LogRecorder&) = delete;
-
-    // Entries of `category` whose text contains `fragment`.
-    QList<Entry> find(const QString& category, const QString& fragment) const
-    {
-        QMutexLocker lock(&m_mutex);
-        QList<Entry> found;
-        for (const Entry& e : m_entries)
-            if (e.category == category && e.text.contains(fragment))
-                found << e;
-        return found;
-    }
-
-private:
-    static LogRecorder*& instance()
-    {
-        static LogRecorder* current = nullptr;
-        return current;
-    }
-    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
-    {
-        LogRecorder* self = instance();
-        if (!self)
-            return;
-        {
-            QMutexLocker lock(&self->m_mutex);
-            self->m_entries.append({type, QString::fromLatin1(context.category), text});
-        }
-        if (self->m_previous)
-            self->m_previous(type, context, text);
-    }
-
-    QtMessageHandler m_previous = nullptr;
-    mutable QMutex m_mutex;
-    QList<Entry> m_entries;
-};
 
 } // namespace zmltest

@@ -2,6 +2,8 @@
 // commands, missing ports and the wvdialconf runner with stand-in programs.
 #include "clifixture.h"
 
+#include "testfiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -9,25 +11,8 @@
 
 using clitest::run;
 
-namespace {
-
-bool writeScript(const QString& path, const QByteArray& body)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
-    file.write("#!/bin/sh\n" + body);
-    file.close();
-    return file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
+using zmltest::readFile;
+using zmltest::writeScript;
 
 class TestCliArgs : public QObject
 {

@@ -3,6 +3,8 @@
 // so that no process of the machine is touched.
 #include "wvdialconfwrapper.h"
 
+#include "testfiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -44,21 +46,8 @@ QStringList messagesOf(QtMsgType type, const QString& prefix)
     return found;
 }
 
-bool writeScript(const QString& path, const QByteArray& body)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
-    file.write("#!/bin/sh\n" + body);
-    file.close();
-    return file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+using zmltest::readFile;
+using zmltest::writeScript;
 
 } // namespace
 
