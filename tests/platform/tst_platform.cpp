@@ -3,7 +3,6 @@
 #include <qt5ext/initconfig.h>
 #include <qt5ext/logformat.h>
 #include <qt5ext/sysutils.h>
-#include <zelbus/clientstate.h>
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -86,28 +85,19 @@ private slots:
         const QString conf = dir.filePath(QStringLiteral("zel5.conf"));
         writeFile(conf, "workDir=/var/lib/x\nlocale=ru_RU\n");
 
-        // Without a file: the installation's defaults.
+        // Without the environment's file: the installation's own, by name.
+        qunsetenv("QT5EXT_INITCONFIG");
+        QCOMPARE(qt5ext::InitConfig(QStringLiteral("orvel5zel"), false).settingsFileName(),
+                 QStringLiteral("/opt/orvel5zel/etc/zel5.conf"));
+        // A file that is not there: the installation's defaults.
         qputenv("QT5EXT_INITCONFIG", QFile::encodeName(dir.filePath(QStringLiteral("missing.conf"))));
-        qt5ext::InitConfig defaults(QStringLiteral("orvel5zel"), false);
-        QCOMPARE(defaults.workDir(), QStringLiteral("/opt/orvel5zel/var"));
-        QCOMPARE(defaults.loggerPath(), QStringLiteral("/opt/orvel5zel/var/log"));
+        QCOMPARE(qt5ext::InitConfig(QStringLiteral("orvel5zel"), false).workDir(), QStringLiteral("/opt/orvel5zel/var"));
 
         qputenv("QT5EXT_INITCONFIG", QFile::encodeName(conf));
-        qt5ext::InitConfig byName(QStringLiteral("orvel5zel"), false);
-        QCOMPARE(byName.settingsFileName(), conf);
-        QCOMPARE(byName.workDir(), QStringLiteral("/var/lib/x"));
-        QCOMPARE(byName.runPath(), QStringLiteral("/var/lib/x/run"));
-        QCOMPARE(byName.locale(), QStringLiteral("ru_RU"));
-        QVERIFY(!byName.setlocale(QStringLiteral("en_US")));   // read-only
-
+        const qt5ext::InitConfig config(QStringLiteral("orvel5zel"), false);
+        QCOMPARE(config.workDir(), QStringLiteral("/var/lib/x"));
+        QCOMPARE(config.locale(), QStringLiteral("ru_RU"));
         qunsetenv("QT5EXT_INITCONFIG");
-        qt5ext::InitConfig byPath(QStringLiteral("/opt/orvel5zel/etc/zel5.conf"), false);
-        QCOMPARE(byPath.settingsFileName(), QStringLiteral("/opt/orvel5zel/etc/zel5.conf"));
-        QCOMPARE(byPath.installationName(), QStringLiteral("orvel5zel"));
-
-        qt5ext::InitConfig writable(conf, true);
-        QVERIFY(writable.setlocale(QStringLiteral("en_US")));
-        QCOMPARE(qt5ext::InitConfig(conf, false).locale(), QStringLiteral("en_US"));
     }
 
     void logFormatters_data()
@@ -149,21 +139,9 @@ private slots:
         QVERIFY(!qt5ext::AppVersion().isValid());
         QCOMPARE(qt5ext::AppVersionManager::addVersion(QStringLiteral("tst"), v), v);
         QCOMPARE(qt5ext::AppVersionManager::version(QStringLiteral("tst")), v);
-        QVERIFY(qt5ext::AppVersionManager::versions().contains(QStringLiteral("tst")));
-        const int before = qt5ext::AppVersionManager::localisations().count(QStringLiteral("tst"));
-        qt5ext::AppVersionManager::addLocalisation(QStringLiteral("tst"));
-        qt5ext::AppVersionManager::addLocalisation(QStringLiteral("tst"));
-        QCOMPARE(qt5ext::AppVersionManager::localisations().count(QStringLiteral("tst")), before + 2);
         // No translation file of that name exists.
+        qt5ext::AppVersionManager::addLocalisation(QStringLiteral("tst"));
         QVERIFY(!qt5ext::AppVersionManager::isLocalisationInstalled(QStringLiteral("tst")));
-    }
-
-    void busClientState()
-    {
-        const zelbus::ClientState state(zelbus::BUSNAME_ZELMODEMS, QStringLiteral("{}"));
-        QVERIFY(!zelbus::BUSNAME_ZELMODEMS.isEmpty());
-        QCOMPARE(state.owner(), zelbus::BUSNAME_ZELMODEMS);
-        QCOMPARE(state.state(), QStringLiteral("{}"));
     }
 };
 

@@ -15,104 +15,90 @@ class TestRegistration : public QObject
     Q_OBJECT
 
 private slots:
-    void versionRegistered();
-    void buildDateTime_data();
-    void buildDateTime();
-    void secondInstance();
-    void russianTranslation_data();
-    void russianTranslation();
-};
-
-void TestRegistration::versionRegistered()
-{
-    const qt5ext::AppVersion version = ZelModemsLib::version();
-    QVERIFY(version.isValid());
-    QCOMPARE(version.version(), QStringLiteral("5.0.28"));
-    const QDateTime built = QDateTime::fromString(version.buildDateTime(), Qt::ISODate);
-    QVERIFY2(built.isValid(), qPrintable(version.buildDateTime()));
-    QVERIFY(built.date().year() >= 2021);
-
-    const QMap<QString, qt5ext::AppVersion> versions = qt5ext::AppVersionManager::versions();
-    QVERIFY(versions.contains(QStringLiteral("zelmodemslib")));
-    QCOMPARE(versions.value(QStringLiteral("zelmodemslib")), version);
-    QVERIFY(qt5ext::AppVersionManager::localisations().contains(QStringLiteral("zelmodemslib")));
-}
-
-void TestRegistration::buildDateTime_data()
-{
-    QTest::addColumn<QString>("date");
-    QTest::addColumn<QString>("time");
-    QTest::addColumn<QString>("iso");
-
-    QTest::newRow("shipped build") << "May 11 2021" << "13:12:16" << "2021-05-11T13:12:16";
-    // The compiler pads single-digit days with a blank.
-    QTest::newRow("single-digit day") << "May  1 2021" << "13:12:16" << "2021-05-01T13:12:16";
-    QTest::newRow("single-digit day, January") << "Jan  9 2020" << "00:00:01" << "2020-01-09T00:00:01";
-    QTest::newRow("end of year") << "Dec 31 1999" << "23:59:59" << "1999-12-31T23:59:59";
-    QTest::newRow("September") << "Sep  5 2023" << "07:08:09" << "2023-09-05T07:08:09";
-    // Unparsable: an empty time text, registration goes on regardless.
-    QTest::newRow("not a date") << "Mai 11 2021" << "13:12:16" << "";
-    QTest::newRow("empty") << "" << "" << "";
-}
-
-void TestRegistration::buildDateTime()
-{
-    QFETCH(QString, date);
-    QFETCH(QString, time);
-    QFETCH(QString, iso);
-
-    QCOMPARE(ZelModemsLib::buildDateTimeIso(date, time), iso);
-}
-
-void TestRegistration::secondInstance()
-{
-    const qt5ext::AppVersion before = ZelModemsLib::version();
-    const int versions = qt5ext::AppVersionManager::versions().size();
-    const int localisations = qt5ext::AppVersionManager::localisations().count(QStringLiteral("zelmodemslib"));
-
+    void versionRegistered()
     {
-        ZelModemsLib second;
-        Q_UNUSED(second)
+        const qt5ext::AppVersion version = ZelModemsLib::version();
+        QVERIFY(version.isValid());
+        QCOMPARE(version.version(), QStringLiteral("5.0.28"));
+        const QDateTime built = QDateTime::fromString(version.buildDateTime(), Qt::ISODate);
+        QVERIFY2(built.isValid(), qPrintable(version.buildDateTime()));
+        QVERIFY(built.date().year() >= 2021);
+
+        const QMap<QString, qt5ext::AppVersion> versions = qt5ext::AppVersionManager::versions();
+        QVERIFY(versions.contains(QStringLiteral("zelmodemslib")));
+        QCOMPARE(versions.value(QStringLiteral("zelmodemslib")), version);
+        QVERIFY(qt5ext::AppVersionManager::localisations().contains(QStringLiteral("zelmodemslib")));
     }
 
-    // The version once per process; the localisation every time.
-    QCOMPARE(ZelModemsLib::version(), before);
-    QCOMPARE(qt5ext::AppVersionManager::versions().size(), versions);
-    QCOMPARE(qt5ext::AppVersionManager::localisations().count(QStringLiteral("zelmodemslib")), localisations + 1);
-}
+    void buildDateTime_data()
+    {
+        QTest::addColumn<QString>("date");
+        QTest::addColumn<QString>("time");
+        QTest::addColumn<QString>("iso");
 
-void TestRegistration::russianTranslation_data()
-{
-    QTest::addColumn<QString>("context");
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("translation");
+        QTest::newRow("shipped build") << "May 11 2021" << "13:12:16" << "2021-05-11T13:12:16";
+        // The compiler pads single-digit days with a blank.
+        QTest::newRow("single-digit day") << "Jan  9 2020" << "00:00:01" << "2020-01-09T00:00:01";
+        QTest::newRow("end of year") << "Dec 31 1999" << "23:59:59" << "1999-12-31T23:59:59";
+        QTest::newRow("September") << "Sep  5 2023" << "07:08:09" << "2023-09-05T07:08:09";
+        // Unparsable: an empty time text, registration goes on regardless.
+        QTest::newRow("not a date") << "Mai 11 2021" << "13:12:16" << "";
+        QTest::newRow("empty") << "" << "" << "";
+    }
 
-    QTest::newRow("finder, no devices") << "ModemsFinder" << "There no devices finded" << "Устройства не найдены";
-    QTest::newRow("finder, no ports") << "ModemsFinder" << "There are no available ports" << "Нет доступных портов";
-    QTest::newRow("finder, busy port") << "ModemsFinder" << "The port %1 is busy" << "Порт %1 занят";
-    // The blank at the end is part of the text.
-    QTest::newRow("modem, wrong mcc") << "AtModem" << "Wrong mcc " << "Неверный mcc ";
-    QTest::newRow("modem, minus") << "AtModem" << "minus" << "минус";
-    QTest::newRow("modem, error") << "AtModem" << "Modem said \"ERROR\"" << "Модем ответил \"ERROR\"";
-    QTest::newRow("loader, unknown error") << "QObject" << "Unknown error" << "Неизвестная ошибка";
-    QTest::newRow("loader, timeout") << "QObject" << "Request timeout" << "Превышено время ожидания ответа";
-    QTest::newRow("decoder") << "SmsPduDecoder" << "Error reading timestamp." << "Ошибка чтения отметки времени.";
-    QTest::newRow("decoder, own context") << "SmsPduDecoder" << "Error reading address type %1."
-                                          << "Ошибка чтения типа адреса %1.";
-    QTest::newRow("wvdial") << "WvDialConfWrapper" << "wvdial error" << "ошибка wvdial";
-    // Not part of the translated texts.
-    QTest::newRow("untranslated") << "QObject" << "Error reading user header data." << "Error reading user header data.";
-}
+    void buildDateTime()
+    {
+        QFETCH(QString, date);
+        QFETCH(QString, time);
+        QFETCH(QString, iso);
 
-void TestRegistration::russianTranslation()
-{
-    QFETCH(QString, context);
-    QFETCH(QString, source);
-    QFETCH(QString, translation);
+        QCOMPARE(ZelModemsLib::buildDateTimeIso(date, time), iso);
+    }
 
-    QVERIFY(qt5ext::AppVersionManager::isLocalisationInstalled(QStringLiteral("zelmodemslib")));
-    QCOMPARE(QCoreApplication::translate(qPrintable(context), qPrintable(source)), translation);
-}
+    void secondInstance()
+    {
+        const qt5ext::AppVersion before = ZelModemsLib::version();
+        const int versions = qt5ext::AppVersionManager::versions().size();
+        const int localisations = qt5ext::AppVersionManager::localisations().count(QStringLiteral("zelmodemslib"));
+
+        {
+            ZelModemsLib second;
+            Q_UNUSED(second)
+        }
+
+        // The version once per process; the localisation every time.
+        QCOMPARE(ZelModemsLib::version(), before);
+        QCOMPARE(qt5ext::AppVersionManager::versions().size(), versions);
+        QCOMPARE(qt5ext::AppVersionManager::localisations().count(QStringLiteral("zelmodemslib")), localisations + 1);
+    }
+
+    void russianTranslation_data()
+    {
+        QTest::addColumn<QString>("context");
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("translation");
+
+        QTest::newRow("finder, no devices") << "ModemsFinder" << "There no devices finded" << "Устройства не найдены";
+        // The blank at the end is part of the text.
+        QTest::newRow("modem, wrong mcc") << "AtModem" << "Wrong mcc " << "Неверный mcc ";
+        QTest::newRow("modem, error") << "AtModem" << "Modem said \"ERROR\"" << "Модем ответил \"ERROR\"";
+        QTest::newRow("loader, unknown error") << "QObject" << "Unknown error" << "Неизвестная ошибка";
+        QTest::newRow("decoder") << "SmsPduDecoder" << "Error reading address type %1." << "Ошибка чтения типа адреса %1.";
+        QTest::newRow("wvdial") << "WvDialConfWrapper" << "wvdial error" << "ошибка wvdial";
+        // Not part of the translated texts.
+        QTest::newRow("untranslated") << "QObject" << "Error reading user header data." << "Error reading user header data.";
+    }
+
+    void russianTranslation()
+    {
+        QFETCH(QString, context);
+        QFETCH(QString, source);
+        QFETCH(QString, translation);
+
+        QVERIFY(qt5ext::AppVersionManager::isLocalisationInstalled(QStringLiteral("zelmodemslib")));
+        QCOMPARE(QCoreApplication::translate(qPrintable(context), qPrintable(source)), translation);
+    }
+};
 
 int main(int argc, char** argv)
 {
