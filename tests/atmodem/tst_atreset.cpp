@@ -7,6 +7,19 @@ using zmltest::startAndOpen;
 
 using Commands = QList<QByteArray>;
 
+// A reset of a simulated make, the commands on the wire, and a command the
+// simulator gets wrong, if any, with the reset's result.
+struct ResetRow
+{
+    Make make;
+    bool full;
+    Commands sent;
+    QByteArray faulty = QByteArray();
+    Fault fault = Fault::None;
+    bool result = true;
+};
+Q_DECLARE_METATYPE(ResetRow)
+
 class TestAtReset : public QObject
 {
     Q_OBJECT
@@ -14,32 +27,33 @@ class TestAtReset : public QObject
 private slots:
     void reset_data()
     {
-        QTest::addColumn<Make>("make");
-        QTest::addColumn<bool>("full");
-        QTest::addColumn<Commands>("sent");
+        QTest::addColumn<ResetRow>("row");
 
         // Echo off, the dialect's step, the final probe, factory defaults.
-        QTest::newRow("huawei full: restart, wait for it")
-            << Make::Huawei << true << Commands{"E0", "+CFUN=1,1", "", "", "&F0"};
-        QTest::newRow("huawei light") << Make::Huawei << false << Commands{"E0", "", "&F0"};
-        QTest::newRow("zte full: power on") << Make::Zte << true << Commands{"E0", "+CFUN=1", "", "&F0"};
-        QTest::newRow("zte light: power on") << Make::Zte << false << Commands{"E0", "+CFUN=1", "", "&F0"};
-        QTest::newRow("siemens light") << Make::Cinterion << false << Commands{"E0", "", "&F0"};
-        QTest::newRow("simcom light") << Make::SimCom << false << Commands{"E0", "", "&F0"};
-        QTest::newRow("hspa light") << Make::HspaDataCard << false << Commands{"E0", "", "&F0"};
-        QTest::newRow("default full: nothing to restart") << Make::Unknown << true << Commands{"E0", "", "&F0"};
+        const Commands restart{"E0", "+CFUN=1,1", "", "", "&F0"}, nothing{"E0", "", "&F0"};
+        QTest::newRow("huawei full: restart, wait for it") << ResetRow{Make::Huawei, true, restart};
+        QTest::newRow("huawei light") << ResetRow{Make::Huawei, false, nothing};
+        QTest::newRow("zte full: power on") << ResetRow{Make::Zte, true, {"E0", "+CFUN=1", "", "&F0"}};
+        QTest::newRow("zte light: power on") << ResetRow{Make::Zte, false, {"E0", "+CFUN=1", "", "&F0"}};
+        QTest::newRow("siemens light") << ResetRow{Make::Cinterion, false, nothing};
+        QTest::newRow("simcom light") << ResetRow{Make::SimCom, false, nothing};
+        QTest::newRow("hspa light") << ResetRow{Make::HspaDataCard, false, nothing};
+        QTest::newRow("default full: nothing to restart") << ResetRow{Make::Unknown, true, nothing};
         // The one row with a fixed sleep (5 s) between restart and probes.
-        QTest::newRow("simcom full: restart, sleep, wait for it")
-            << Make::SimCom << true << Commands{"E0", "+CFUN=1,1", "", "", "&F0"};
+        QTest::newRow("simcom full: restart, sleep, wait for it") << ResetRow{Make::SimCom, true, restart};
+        // A failed restart command does not matter; refused factory defaults
+        // do; a device that goes away at the echo switch (whose failure alone
+        // would not count) leaves the port closed.
+        QTest::newRow("restart refused") << ResetRow{Make::Huawei, true, restart, "+CFUN=1,1", Fault::Error};
+        QTest::newRow("factory defaults refused") << ResetRow{Make::Huawei, false, nothing, "&F0", Fault::Error, false};
+        QTest::newRow("vanishes at echo off") << ResetRow{Make::Huawei, false, {"E0"}, "E0", Fault::Vanish, false};
     }
 
     void reset()
     {
-        QFETCH(Make, make);
-        QFETCH(bool, full);
-        QFETCH(Commands, sent);
+        QFETCH(ResetRow, row);
 
-        SimModem sim(make);
+        SimModem sim(row.make);
         AtModem modem;
         QVERIFY(startAndOpen(sim, modem));
         const qint32 dialect = modem.dialect();
@@ -47,43 +61,20 @@ private slots:
         // Factory defaults bring the echo back on the simulated modems;
         // the reset switches it off first in any case.
         sim.setEcho(true);
+        if (!row.faulty.isEmpty())
+            sim.setFault(row.faulty, row.fault);
 
         zmltest::LogRecorder log;
-        QVERIFY(modem.reset(full));
-        QCOMPARE(sim.commands(), sent);
-        QCOMPARE(modem.baudrate(), 115200);
+        QCOMPARE(modem.reset(row.full), row.result);
+        QCOMPARE(sim.commands(), row.sent);
+        const bool vanished = row.fault == Fault::Vanish;
+        QCOMPARE(modem.baudrate(), vanished ? 0 : 115200);
+        QCOMPARE(modem.lastError(), row.result || vanished ? QString() : QStringLiteral("Modem said \"ERROR\""));
         QCOMPARE(modem.dialect(), dialect);
         QCOMPARE(modem.name(), name);
         // The full reset is announced on the default category.
-        QCOMPARE(log.find(QStringLiteral("default"), QStringLiteral("RESET MODEM")).size(), full ? 1 : 0);
+        QCOMPARE(log.find(QStringLiteral("default"), QStringLiteral("RESET MODEM")).size(), row.full ? 1 : 0);
         QVERIFY(log.find(QStringLiteral("atmodem"), QStringLiteral("RESET MODEM")).isEmpty());
-    }
-
-    // A failed restart command does not matter; a modem that does not come
-    // back does: the port is closed.
-    void resetFailures()
-    {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setFault("+CFUN=1,1", Fault::Error);
-        QVERIFY(modem.reset(true));
-        QCOMPARE(sim.commands(), (Commands{"E0", "+CFUN=1,1", "", "", "&F0"}));
-
-        sim.setFault("&F0", Fault::Error);
-        QVERIFY(!modem.reset(false));
-        QCOMPARE(modem.lastError(), QStringLiteral("Modem said \"ERROR\""));
-        QCOMPARE(modem.baudrate(), 115200);
-
-        // The device goes away at the first command (the echo switch, whose
-        // failure alone would not count).
-        sim.clearLog();
-        sim.clearFaults();
-        sim.setFault("E0", Fault::Vanish);
-        QVERIFY(!modem.reset(false));
-        QCOMPARE(sim.commands(), Commands{"E0"});
-        QCOMPARE(modem.baudrate(), 0);
-        QVERIFY(!modem.reset(false));   // closed: fails at once
     }
 
     // Escape to command state, check, factory defaults; then a fixed 2 s

@@ -20,7 +20,37 @@ QList<QByteArray> deletions(const SimModem& sim)
     return found;
 }
 
+// One message as a line, so that a comparison shows what differs; the time
+// stamp in ISO form tells local time from UTC or a fixed offset.
+QString line(const QString& sender, const QDateTime& time, const QString& text)
+{
+    return sender + QLatin1Char('|') + time.toString(Qt::ISODate) + QLatin1Char('|') + text;
+}
+
+QStringList lines(const QList<AtModem::SSms>& messages)
+{
+    QStringList found;
+    for (const AtModem::SSms& m : messages)
+        found << line(m.sender, m.dateTime, m.text);
+    return found;
+}
+
+// What the store holds (at indexes 1, 2, ...) or the listing the modem gives
+// instead, and what is read, deleted and left.
+struct ListingRow
+{
+    QList<QByteArray> stored;
+    QByteArray listing;     // empty: the store's own
+    int limit;              // entries listed before the modem falls silent (-1: all)
+    QStringList messages;   // as line() gives them
+    int deleted;            // indexes 1 to this deleted, in order
+    QList<int> left;
+    QString warning;        // logged, if any
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(ListingRow)
 
 class TestSms : public QObject
 {
@@ -32,166 +62,103 @@ private:
 private slots:
     void initTestCase() { QVERIFY(m_lockDir.install()); }
 
-    void noMessages()
-    {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setEcho(true);
-        QList<AtModem::SSms> messages;
-        QVERIFY(!modem.takeMessages(messages));
-        QVERIFY(messages.isEmpty());
-        QCOMPARE(sim.commands(), (QList<QByteArray>{"E0", "+CMGF=0", "+CMGL=4"}));
-    }
-
     // Newest first in the store; oldest first in the result, equal times in
-    // reading order; every listed message deleted in listing order.
+    // reading order, and what the caller's list held sorted in with them;
+    // every listed message deleted in listing order.
     void orderAndDeletion()
     {
         SimModem sim(Make::Zte);
         AtModem modem;
         QVERIFY(startAndOpen(sim, modem));
-        const QDateTime newer = minutesAgo(5), older = minutesAgo(50), same = minutesAgo(20);
+        const QDateTime newer = minutesAgo(5), older = minutesAgo(50), same = minutesAgo(20), kept = minutesAgo(10);
         sim.storeSms(DeliverPdu::gsm7("+79121234567", newer, "newer"), 1, 3);
         sim.storeSms(DeliverPdu::gsm7("MegaFon", older, "older"), 0, 7);
         sim.storeSms(DeliverPdu::ucs2("+79031112233", same, QString::fromUtf8("равные 1")), 1, 8);
         sim.storeSms(DeliverPdu::gsm7("+79031112244", same, "same 2"), 1, 9);
 
-        QList<AtModem::SSms> messages;
+        QList<AtModem::SSms> messages{{QStringLiteral("earlier call"), kept, QStringLiteral("kept")}};
         QVERIFY(modem.takeMessages(messages));
-        const QList<AtModem::SSms> expected{
-            {QStringLiteral("MegaFon"), older, QStringLiteral("older")},
-            {QStringLiteral("+79031112233"), same, QString::fromUtf8("равные 1")},
-            {QStringLiteral("+79031112244"), same, QStringLiteral("same 2")},
-            {QStringLiteral("+79121234567"), newer, QStringLiteral("newer")},
-        };
-        QCOMPARE(messages.size(), expected.size());
-        for (int i = 0; i < expected.size(); ++i) {
-            QCOMPARE(messages.at(i).sender, expected.at(i).sender);
-            QCOMPARE(messages.at(i).dateTime, expected.at(i).dateTime);
-            QCOMPARE(messages.at(i).text, expected.at(i).text);
-        }
-        QCOMPARE(messages.first().dateTime.timeSpec(), Qt::LocalTime);
+        QCOMPARE(lines(messages), (QStringList{line("MegaFon", older, "older"),
+                                               line("+79031112233", same, QString::fromUtf8("равные 1")),
+                                               line("+79031112244", same, "same 2"),
+                                               line("earlier call", kept, "kept"),
+                                               line("+79121234567", newer, "newer")}));
         QCOMPARE(deletions(sim), (QList<QByteArray>{"+CMGD=3", "+CMGD=7", "+CMGD=8", "+CMGD=9"}));
         QVERIFY(sim.storedSms().isEmpty());
     }
 
-    // What the caller's list held is sorted in with the new messages.
-    void appendsToCallersList()
+    // Listings as they come: the messages read, joined and sorted, the
+    // indexes deleted, those left in the store and the warning logged.
+    void listings_data()
     {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.storeSms(DeliverPdu::gsm7("+79121234567", minutesAgo(30), "stored"));
-        QList<AtModem::SSms> messages{{QStringLiteral("earlier call"), minutesAgo(10), QStringLiteral("kept")}};
-        QVERIFY(modem.takeMessages(messages));
-        QCOMPARE(messages.size(), 2);
-        QCOMPARE(messages.at(0).text, QStringLiteral("stored"));
-        QCOMPARE(messages.at(1).text, QStringLiteral("kept"));
+        QTest::addColumn<ListingRow>("row");
+
+        const QDateTime when = minutesAgo(3);
+        // Parts listed out of order, a single message between them, and a
+        // message of which only the second part arrived: without its first
+        // part it has no time stamp, and an invalid time sorts first.
+        QTest::newRow("long messages")
+            << ListingRow{{DeliverPdu::ucs2("+79121234567", when, QString::fromUtf8(" вторая часть"), 0x5A, 2, 2),
+                           DeliverPdu::gsm7("+79035550000", when.addSecs(-60), "single"),
+                           DeliverPdu::ucs2("+79121234567", when, QString::fromUtf8("Первая часть,"), 0x5A, 1, 2),
+                           DeliverPdu::ucs2("+79127654321", when.addSecs(60), "tail", 0x11, 2, 2)},
+                          "", -1,
+                          {line("+79127654321", QDateTime(), "[missing text]tail"),
+                           line("+79035550000", when.addSecs(-60), "single"),
+                           line("+79121234567", when, QString::fromUtf8("Первая часть, вторая часть"))},
+                          4, {}, ""};
+        // Messages that do not decode are deleted all the same. A
+        // concatenated message with a broken part is dropped with a warning;
+        // a single PDU that fails at its first octets makes a message
+        // without any valid part, which counts as valid and comes out empty.
+        QByteArray truncated = DeliverPdu::ucs2("+79121234567", when, "second", 0x33, 2, 2);
+        truncated.chop(4);
+        QTest::newRow("broken messages")
+            << ListingRow{{DeliverPdu::ucs2("+79121234567", when, "first ", 0x33, 1, 2), truncated, "0004",
+                           DeliverPdu::gsm7("+79035550000", when, "good")},
+                          "", -1, {line("", QDateTime(), ""), line("+79035550000", when, "good")},
+                          4, {}, "Sms([invalid part 1: "};
+        // The header's match runs on to the next entry's PDU, so that
+        // message is read under the broken entry's index and its own index
+        // is never deleted.
+        QTest::newRow("PDU line not hexadecimal")
+            << ListingRow{{"NOT-A-PDU", DeliverPdu::gsm7("+79035550000", when, "after")}, "", -1,
+                          {line("+79035550000", when, "after")}, 1, {2}, ""};
+        // What came is used once the listing's time-out has passed.
+        QTest::newRow("modem falls silent after one entry")
+            << ListingRow{{DeliverPdu::gsm7("+79035550001", when, "one"), DeliverPdu::gsm7("MegaFon", when, "two")}, "",
+                          1, {line("+79035550001", when, "one")}, 1, {2}, ""};
+        QTest::newRow("empty store") << ListingRow{{}, "", -1, {}, 0, {}, ""};
+        QTest::newRow("garbage")
+            << ListingRow{{}, "+CMGL: x,1,,23\r\n0791\r\n+CMGL: 5\r\n+CMGL:\r\n12AB", -1, {}, 0, {}, ""};
     }
 
-    void longMessages()
+    void listings()
     {
+        QFETCH(ListingRow, row);
+
         SimModem sim(Make::Cinterion);
         AtModem modem;
         QVERIFY(startAndOpen(sim, modem));
-        const QDateTime when = minutesAgo(3);
-        // Parts listed out of order, a single message between them, and a
-        // message of which only the second part arrived.
-        sim.storeSms(DeliverPdu::ucs2("+79121234567", when, QString::fromUtf8(" вторая часть"), 0x5A, 2, 2));
-        sim.storeSms(DeliverPdu::gsm7("+79035550000", when.addSecs(-60), "single"));
-        sim.storeSms(DeliverPdu::ucs2("+79121234567", when, QString::fromUtf8("Первая часть,"), 0x5A, 1, 2));
-        sim.storeSms(DeliverPdu::ucs2("+79127654321", when.addSecs(60), QStringLiteral("tail"), 0x11, 2, 2));
-
-        QList<AtModem::SSms> messages;
-        QVERIFY(modem.takeMessages(messages));
-        QCOMPARE(messages.size(), 3);
-        // Without its first part a message has no time stamp, and an invalid
-        // time sorts before every valid one.
-        QCOMPARE(messages.at(0).sender, QStringLiteral("+79127654321"));
-        QCOMPARE(messages.at(0).text, QStringLiteral("[missing text]tail"));
-        QVERIFY(!messages.at(0).dateTime.isValid());
-        QCOMPARE(messages.at(1).text, QStringLiteral("single"));
-        QCOMPARE(messages.at(2).text, QString::fromUtf8("Первая часть, вторая часть"));
-        QCOMPARE(messages.at(2).sender, QStringLiteral("+79121234567"));
-        QCOMPARE(messages.at(2).dateTime, when);
-        QCOMPARE(deletions(sim).size(), 4);
-    }
-
-    // Messages that do not decode are deleted all the same. A concatenated
-    // message with a broken part is dropped with a warning; a single PDU
-    // that fails at its first octets makes a message without any valid
-    // part, which counts as valid and comes out empty.
-    void brokenMessages()
-    {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        const QDateTime when = minutesAgo(1);
-        QByteArray truncated = DeliverPdu::ucs2("+79121234567", when, QStringLiteral("second"), 0x33, 2, 2);
-        truncated.chop(4);
-        sim.storeSms(DeliverPdu::ucs2("+79121234567", when, QStringLiteral("first "), 0x33, 1, 2), 1, 1);
-        sim.storeSms(truncated, 1, 2);
-        sim.storeSms("0004", 1, 3);   // no service centre
-        sim.storeSms(DeliverPdu::gsm7("+79035550000", when, "good"), 1, 4);
+        sim.setEcho(true);
+        for (int i = 0; i < row.stored.size(); ++i)
+            sim.storeSms(row.stored.at(i), 1, i + 1);
+        if (!row.listing.isEmpty())
+            sim.setAnswer("+CMGL=4", row.listing);
+        sim.setSmsListLimit(row.limit);
 
         LogRecorder log;
         QList<AtModem::SSms> messages;
-        QVERIFY(modem.takeMessages(messages));
-        QCOMPARE(messages.size(), 2);
-        QCOMPARE(messages.at(0).sender, QString());
-        QCOMPARE(messages.at(0).text, QString());
-        QVERIFY(!messages.at(0).dateTime.isValid());
-        QCOMPARE(messages.at(1).text, QStringLiteral("good"));
-        QVERIFY(!log.find(QStringLiteral("atmodem"), QStringLiteral("Sms([invalid part 1: ")).isEmpty());
-        QCOMPARE(deletions(sim), (QList<QByteArray>{"+CMGD=1", "+CMGD=2", "+CMGD=3", "+CMGD=4"}));
-    }
-
-    // A listing whose PDU line is no hexadecimal: the header's match runs on
-    // to the next entry's PDU, so that message is read under the broken
-    // entry's index and its own index is never deleted.
-    void nonHexadecimalPdu()
-    {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.storeSms("NOT-A-PDU", 1, 1);
-        sim.storeSms(DeliverPdu::gsm7("+79035550000", minutesAgo(2), "after"), 1, 2);
-        QList<AtModem::SSms> messages;
-        QVERIFY(modem.takeMessages(messages));
-        QCOMPARE(messages.size(), 1);
-        QCOMPARE(messages.at(0).text, QStringLiteral("after"));
-        QCOMPARE(deletions(sim), QList<QByteArray>{"+CMGD=1"});
-        QCOMPARE(sim.storedSms().keys(), QList<int>{2});
-    }
-
-    void garbageListing()
-    {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setAnswer("+CMGL=4", "+CMGL: x,1,,23\r\n0791\r\n+CMGL: 5\r\n+CMGL:\r\n12AB");
-        QList<AtModem::SSms> messages;
-        QVERIFY(!modem.takeMessages(messages));
-        QVERIFY(deletions(sim).isEmpty());
-    }
-
-    // The modem falls silent after the first entry: what came is used when
-    // the listing's time-out has passed.
-    void listingCutShort()
-    {
-        SimModem sim(Make::SimCom);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.storeSms(DeliverPdu::gsm7("+79035550001", minutesAgo(4), "one"));
-        sim.storeSms(DeliverPdu::gsm7("+79035550002", minutesAgo(3), "two"));
-        sim.setSmsListLimit(1);
-        QList<AtModem::SSms> messages;
-        QVERIFY(modem.takeMessages(messages));
-        QCOMPARE(messages.size(), 1);
-        QCOMPARE(messages.at(0).text, QStringLiteral("one"));
-        QCOMPARE(deletions(sim), QList<QByteArray>{"+CMGD=1"});
-        QCOMPARE(sim.storedSms().keys(), QList<int>{2});
+        QCOMPARE(modem.takeMessages(messages), !row.messages.isEmpty());
+        QCOMPARE(sim.commands().mid(0, 3), (QList<QByteArray>{"E0", "+CMGF=0", "+CMGL=4"}));
+        QCOMPARE(lines(messages), row.messages);
+        QList<QByteArray> deleted;
+        for (int i = 1; i <= row.deleted; ++i)
+            deleted << "+CMGD=" + QByteArray::number(i);
+        QCOMPARE(deletions(sim), deleted);
+        QCOMPARE(sim.storedSms().keys(), row.left);
+        if (!row.warning.isEmpty())
+            QVERIFY(!log.find(QStringLiteral("atmodem"), row.warning).isEmpty());
     }
 
     void sendText()
@@ -203,14 +170,13 @@ private slots:
         const QString text = QString::fromUtf8("Баланс: 12 р.");
         // The caller's events keep being processed during the wait.
         int ticks = 0;
-        QTimer::singleShot(1500, [&ticks] { ++ticks; });
+        QObject caller;
+        QTimer::singleShot(1500, &caller, [&ticks] { ++ticks; });
         QVERIFY(modem.sendMessage(QStringLiteral("+79121234567"), text));
         QCOMPARE(ticks, 1);
         QCOMPARE(sim.commands(),
                  (QList<QByteArray>{"E0", "+CMGF=1", "+CMGS=+79121234567", text.toUtf8() + char(26)}));
-        QCOMPARE(sim.sentMessages().size(), 1);
-        QCOMPARE(sim.sentMessages().at(0).first, QByteArray("+79121234567"));
-        QCOMPARE(sim.sentMessages().at(0).second, text.toUtf8());
+        QCOMPARE(sim.sentMessages(), (QList<QPair<QByteArray, QByteArray>>{{"+79121234567", text.toUtf8()}}));
     }
 
     void sendWithoutPrompt()

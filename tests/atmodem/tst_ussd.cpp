@@ -3,7 +3,6 @@
 // the balance amount read from them.
 #include "simfixture.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
 #include <QTranslator>
 
@@ -20,7 +19,50 @@ int countLogs(const LogRecorder& log, const QString& fragment)
     return log.find(QStringLiteral("atmodem"), fragment).size();
 }
 
+// A "+CUSD" reply given to the decoder, whether it is decoded, and the
+// message then (it held "old" before), on a Huawei or a SIMCOM modem.
+struct CusdRow
+{
+    QByteArray answer;
+    bool result;
+    QString message;
+    bool simcom = false;
+};
+
+// A USSD request to a simulated make: the network's reply (empty: it never
+// answers) and how it comes, the message then ("old" when none was decoded;
+// UCS2 text is appended to it), the waiting attempts (0: the request itself
+// failed) and the requests sent.
+struct ExchangeRow
+{
+    Make make;
+    QByteArray reply;
+    QString message;
+    int attempts;
+    int requests = 1;
+    int refusals = 0;        // requests refused while the network is busy; -1: a plain ERROR
+    bool beforeOk = false;   // the reply presented before the modem's OK
+    int delayMs = 100;       // from the OK to the reply
+    int vanishMs = 0;        // the modem dies this long after the request (0: never)
+};
+
+// A USSD code, the code as the modem understood it, the network's reply
+// (empty: none, the modem says the code is not supported), the commands on
+// the wire and the decoded message.
+struct DialectRow
+{
+    QByteArray code;
+    QByteArray heard;
+    QByteArray reply;
+    QList<QByteArray> commands;
+    QString message;
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(CusdRow)
+Q_DECLARE_METATYPE(DialectRow)
+Q_DECLARE_METATYPE(ExchangeRow)
 
 class TestUssd : public QObject
 {
@@ -34,72 +76,48 @@ private slots:
 
     void cusdMessage_data()
     {
-        QTest::addColumn<bool>("simcom");
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<QString>("before");   // what `message` held
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<QString>("message");
+        QTest::addColumn<CusdRow>("row");
 
-        const QString old = QStringLiteral("old");
-        QTest::newRow("7-bit text") << false << QByteArray("\r\n\r\n+CUSD: 0,\"Balans 12,50 r.\",15\r\n") << old
-                                    << true << QStringLiteral("Balans 12,50 r.");
+        QTest::newRow("7-bit text") << CusdRow{"\r\n\r\n+CUSD: 0,\"Balans 12,50 r.\",15\r\n", true, "Balans 12,50 r."};
         QTest::newRow("DCS 0, no blank after the colon")
-            << false << QByteArray("+CUSD:1,\"Vvedite nomer\",0") << old << true << QStringLiteral("Vvedite nomer");
-        QTest::newRow("status only") << false << QByteArray("\r\n+CUSD: 2\r\n") << old << true << QString();
-        QTest::newRow("no coding scheme") << false << QByteArray("\r\n+CUSD: 0,\"Balans\"\r\n") << old << true
-                                          << QString();
+            << CusdRow{"+CUSD:1,\"Vvedite nomer\",0", true, "Vvedite nomer"};
+        QTest::newRow("status only") << CusdRow{"\r\n+CUSD: 2\r\n", true, ""};
+        QTest::newRow("no coding scheme") << CusdRow{"\r\n+CUSD: 0,\"Balans\"\r\n", true, ""};
         QTest::newRow("lines of the text joined")
-            << false << QByteArray("\r\n+CUSD: 0,\"Balans:\r\n  12 r.\r\nSpasibo\",15\r\n") << old << true
-            << QStringLiteral("Balans: 12 r. Spasibo");
-        QTest::newRow("Latin-1 byte") << false << QByteArray("+CUSD: 0,\"Caf\xe9\",15") << old << true
-                                      << QString::fromUtf8("Café");
-        QTest::newRow("no reply") << false << QByteArray("\r\nOK\r\n+CREG: 1\r\n") << old << false << old;
-        QTest::newRow("empty") << false << QByteArray() << old << false << old;
-        QTest::newRow("status is no digit") << false << QByteArray("+CUSD: x,\"a\",15") << old << false << old;
+            << CusdRow{"\r\n+CUSD: 0,\"Balans:\r\n  12 r.\r\nSpasibo\",15\r\n", true, "Balans: 12 r. Spasibo"};
+        QTest::newRow("Latin-1 byte") << CusdRow{"+CUSD: 0,\"Caf\xe9\",15", true, "Caf\u00e9"};
+        QTest::newRow("no reply") << CusdRow{"\r\nOK\r\n+CREG: 1\r\n", false, "old"};
+        QTest::newRow("status is no digit") << CusdRow{"+CUSD: x,\"a\",15", false, "old"};
         // Two replies: the pattern's text group reaches from the first
         // reply's opening quote to the last one's closing quote.
-        QTest::newRow("two replies") << false << QByteArray("+CUSD: 0,\"A\",15\r\n+CUSD: 0,\"B\",15") << old
-                                     << true << QStringLiteral("A\",15 +CUSD: 0,\"B");
-        QTest::newRow("status line before a reply")
-            << false << QByteArray("+CUSD: 1\r\n+CUSD: 0,\"B\",15") << old << true << QString();
+        QTest::newRow("two replies") << CusdRow{"+CUSD: 0,\"A\",15\r\n+CUSD: 0,\"B\",15", true, "A\",15 +CUSD: 0,\"B"};
+        QTest::newRow("status line before a reply") << CusdRow{"+CUSD: 1\r\n+CUSD: 0,\"B\",15", true, ""};
 
-        QTest::newRow("UCS2") << false << QByteArray("+CUSD: 0,\"04110430043B\",72") << QString() << true
-                              << QString::fromUtf8("Бал");
+        // UCS2 text is appended to what the message held.
+        QTest::newRow("UCS2") << CusdRow{"+CUSD: 0,\"04110430043B\",72", true, "old\u0411\u0430\u043b"};
         QTest::newRow("UCS2 lower case, short last group dropped")
-            << false << QByteArray("+CUSD: 0,\"04110430043b043\",72") << QString() << true << QString::fromUtf8("Бал");
-        QTest::newRow("UCS2 is appended") << false << QByteArray("+CUSD: 0,\"0031\",72") << QStringLiteral("X") << true
-                                          << QStringLiteral("X1");
+            << CusdRow{"+CUSD: 0,\"04110430043b043\",72", true, "old\u0411\u0430\u043b"};
         QTest::newRow("UCS2 announced, text not hexadecimal")
-            << false << QByteArray("+CUSD: 0,\"Privet\",72") << old << true
-            << QString::fromUtf8("\xEF\xBF\xBD\xEF\xBF\xBDPr");
-        QTest::newRow("UCS2 announced, empty text") << false << QByteArray("+CUSD: 0,\"\",72") << old << true
-                                                    << QString::fromUtf8("\xEF\xBF\xBD");
+            << CusdRow{"+CUSD: 0,\"Privet\",72", true, "\ufffd\ufffdPr"};
 
         // SIMCOM in the GSM character set: raw bytes, "@" as a zero byte,
         // high bytes widened as signed values, line ends kept.
         QTest::newRow("SIMCOM raw bytes")
-            << true << QByteArray("\r\n+CUSD: 0,\"100r\x00\x80\xff\",15\r\n", 25) << old << true
-            << QStringLiteral("100r") + QChar(0xFF80) + QChar(0xFFFF);
-        QTest::newRow("SIMCOM line ends kept") << true << QByteArray("+CUSD: 0,\"a\r\n  b\",15") << old << true
-                                               << QStringLiteral("a\r\n  b");
-        QTest::newRow("SIMCOM UCS2") << true << QByteArray("+CUSD: 0,\"0041\",72") << QString() << true
-                                     << QStringLiteral("A");
+            << CusdRow{QByteArray("\r\n+CUSD: 0,\"100r\x00\x80\xff\",15\r\n", 25), true,
+                       QStringLiteral("100r") + QChar(0xFF80) + QChar(0xFFFF), true};
+        QTest::newRow("SIMCOM line ends kept") << CusdRow{"+CUSD: 0,\"a\r\n  b\",15", true, "a\r\n  b", true};
     }
 
     void cusdMessage()
     {
-        QFETCH(bool, simcom);
-        QFETCH(QByteArray, answer);
-        QFETCH(QString, before);
-        QFETCH(bool, result);
-        QFETCH(QString, message);
+        QFETCH(CusdRow, row);
 
         AtModem modem;
-        modem.setModemName(simcom ? "SIMCOM_SIM800" : "Manufacturer: huawei\r\nModel: E3372");
-        QCOMPARE(modem.dialect(), qint32(simcom ? AtModem::SIM_COM : AtModem::HUAWEI));
-        QString got = before;
-        QCOMPARE(modem.getCUSDMessage(answer, got), result);
-        QCOMPARE(got, message);
+        modem.setModemName(row.simcom ? "SIMCOM_SIM800" : "Manufacturer: huawei\r\nModel: E3372");
+        QCOMPARE(modem.dialect(), qint32(row.simcom ? AtModem::SIM_COM : AtModem::HUAWEI));
+        QString got = QStringLiteral("old");
+        QCOMPARE(modem.getCUSDMessage(row.answer, got), row.result);
+        QCOMPARE(got, row.message);
     }
 
     void balance_data()
@@ -113,8 +131,7 @@ private slots:
         QTest::newRow("two blanks between") << QStringLiteral("Balance -  12") << 12.0;
         QTest::newRow("at the very start") << QStringLiteral("-5 r.") << -5.0;
         QTest::newRow("the word minus") << QStringLiteral("minus 3,5") << -3.5;
-        QTest::newRow("the word, any distance, any case")
-            << QStringLiteral("MINUS on your account: 40 r.") << -40.0;
+        QTest::newRow("the word, any distance, any case") << QStringLiteral("MINUS on your account: 40 r.") << -40.0;
         QTest::newRow("minus rescues a distant sign") << QStringLiteral("minus -  12") << -12.0;
         QTest::newRow("minus after the amount") << QStringLiteral("12 r. minus") << 12.0;
         QTest::newRow("an earlier dash hides the sign") << QStringLiteral("Tarif-S: balans -30") << 30.0;
@@ -122,9 +139,7 @@ private slots:
         QTest::newRow("grouping and decimal") << QStringLiteral("1,234.56") << 0.0;
         QTest::newRow("trailing point") << QStringLiteral("Balance 100. Thanks") << 100.0;
         QTest::newRow("grouping blank") << QStringLiteral("Balans: 1 234,56") << 1.0;
-        QTest::newRow("zero") << QStringLiteral("Ostatok 0,00") << 0.0;
         QTest::newRow("no digits") << QStringLiteral("Zapros prinyat") << 0.0;
-        QTest::newRow("empty") << QString() << 0.0;
         QTest::newRow("Cyrillic without translation") << QString::fromUtf8("Баланс: минус 5 р.") << 5.0;
     }
 
@@ -157,178 +172,117 @@ private slots:
     void perDialect_data()
     {
         QTest::addColumn<Make>("make");
-        QTest::addColumn<QByteArray>("code");
-        QTest::addColumn<QByteArray>("heard");   // the code as the modem understood it
-        QTest::addColumn<QByteArray>("reply");
-        QTest::addColumn<QList<QByteArray>>("commands");
-        QTest::addColumn<QString>("message");
+        QTest::addColumn<DialectRow>("row");
 
         QTest::newRow("Huawei: packed request, UCS2 reply")
-            << Make::Huawei << QByteArray("*100#") << QByteArray("*100#") << Ussd::ucs2(cyrillicBalance)
-            << QList<QByteArray>{"E0", "+CUSD=1,\"aa180c3602\",15"} << cyrillicBalance;
+            << Make::Huawei
+            << DialectRow{"*100#", "*100#", Ussd::ucs2(cyrillicBalance), {"E0", "+CUSD=1,\"aa180c3602\",15"},
+                          cyrillicBalance};
         // A packed 7-bit reply is presented as hexadecimal text, and the
         // driver passes DCS 15 text on unchanged.
         QTest::newRow("Huawei: packed reply stays hexadecimal")
-            << Make::Huawei << QByteArray("*102#") << QByteArray("*102#") << Ussd::packed("Balans 7 r.")
-            << QList<QByteArray>{"E0", "+CUSD=1,\"aa184c3602\",15"}
-            << QString::fromLatin1(Ussd::pack("Balans 7 r.").toHex().toUpper());
+            << Make::Huawei
+            << DialectRow{"*102#", "*102#", Ussd::packed("Balans 7 r."), {"E0", "+CUSD=1,\"aa184c3602\",15"},
+                          QString::fromLatin1(Ussd::pack("Balans 7 r.").toHex().toUpper())};
         QTest::newRow("Huawei: non-ASCII character packed as a blank")
-            << Make::Huawei << QByteArray("*1\xc3\xa9#") << QByteArray("*1!#") << Ussd::plain("ok")
-            << QList<QByteArray>{"E0", "+CUSD=1,\"aa586804\",15"} << QStringLiteral("ok");
+            << Make::Huawei
+            << DialectRow{"*1\xc3\xa9#", "*1!#", Ussd::plain("ok"), {"E0", "+CUSD=1,\"aa586804\",15"}, "ok"};
         QTest::newRow("SIMCOM: GSM character set first")
-            << Make::SimCom << QByteArray("*100#") << QByteArray("*100#") << Ussd::plain("Balans 12,50 r.")
-            << QList<QByteArray>{"E0", "+CSCS=\"GSM\"", "+CUSD=1,\"*100#\",15"} << QStringLiteral("Balans 12,50 r.");
-        QTest::newRow("ZTE: text") << Make::Zte << QByteArray("*102#") << QByteArray("*102#") << Ussd::ucs2(cyrillicBalance)
-                                   << QList<QByteArray>{"E0", "+CUSD=1,\"*102#\",15"} << cyrillicBalance;
-        QTest::newRow("Cinterion: text") << Make::Cinterion << QByteArray("#100#") << QByteArray("#100#") << Ussd::plain("Balance 3.20 EUR")
-                                         << QList<QByteArray>{"E0", "+CUSD=1,\"#100#\",15"}
-                                         << QStringLiteral("Balance 3.20 EUR");
-        QTest::newRow("HSPA: text, not packed") << Make::HspaDataCard << QByteArray("*105#") << QByteArray("*105#") << Ussd::plain("x")
-                                                << QList<QByteArray>{"E0", "+CUSD=1,\"*105#\",15"} << QStringLiteral("x");
-        QTest::newRow("unknown code: status only") << Make::Unknown << QByteArray("*999#") << QByteArray("*999#") << QByteArray()
-                                                   << QList<QByteArray>{"E0", "+CUSD=1,\"*999#\",15"} << QString();
+            << Make::SimCom
+            << DialectRow{"*100#", "*100#", Ussd::plain("Balans 12,50 r."),
+                          {"E0", "+CSCS=\"GSM\"", "+CUSD=1,\"*100#\",15"}, "Balans 12,50 r."};
+        QTest::newRow("ZTE: text") << Make::Zte
+                                   << DialectRow{"*102#", "*102#", Ussd::ucs2(cyrillicBalance),
+                                                 {"E0", "+CUSD=1,\"*102#\",15"}, cyrillicBalance};
+        QTest::newRow("HSPA: text, not packed")
+            << Make::HspaDataCard
+            << DialectRow{"*105#", "*105#", Ussd::plain("x"), {"E0", "+CUSD=1,\"*105#\",15"}, "x"};
+        QTest::newRow("unknown code: status only")
+            << Make::Unknown << DialectRow{"*999#", "*999#", "", {"E0", "+CUSD=1,\"*999#\",15"}, ""};
     }
 
     void perDialect()
     {
         QFETCH(Make, make);
-        QFETCH(QByteArray, code);
-        QFETCH(QByteArray, heard);
-        QFETCH(QByteArray, reply);
-        QFETCH(QList<QByteArray>, commands);
-        QFETCH(QString, message);
+        QFETCH(DialectRow, row);
 
         SimModem sim(make);
         AtModem modem;
         QVERIFY(startAndOpen(sim, modem));
-        if (!reply.isEmpty())
-            sim.setUssdReply(heard, reply);
+        if (!row.reply.isEmpty())
+            sim.setUssdReply(row.heard, row.reply);
 
-        QString got;
-        QVERIFY(modem.sendUSSD(QString::fromUtf8(code), got));
-        QCOMPARE(got, message);
-        QCOMPARE(sim.commands(), commands);
-        QCOMPARE(sim.ussdRequests(), QList<QByteArray>{heard});
+        QString message;
+        QVERIFY(modem.sendUSSD(QString::fromUtf8(row.code), message));
+        QCOMPARE(message, row.message);
+        QCOMPARE(sim.commands(), row.commands);
+        QCOMPARE(sim.ussdRequests(), QList<QByteArray>{row.heard});
         if (make == Make::SimCom)
             QCOMPARE(sim.characterSet(), QByteArray("GSM"));
     }
 
-    void zteRetry_data()
+    // The request and the wait for the network's reply: the buffer keeps
+    // growing over the attempts and is decoded once a reply is in; an error
+    // ends the wait, and without a reply it gives up after ten attempts.
+    // Some modems present the reply before their OK; ZTE modems refuse while
+    // the network is busy and get one retry. Noise before the reply stays
+    // harmless, and the caller's events keep being processed meanwhile.
+    void exchange_data()
     {
-        QTest::addColumn<Make>("make");
-        QTest::addColumn<int>("refusals");
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<int>("requests");
-        QTest::addColumn<int>("retryLogs");
+        QTest::addColumn<ExchangeRow>("row");
 
-        QTest::newRow("ZTE: second try goes through") << Make::Zte << 1 << true << 2 << 1;
-        QTest::newRow("ZTE: one retry only") << Make::Zte << 2 << false << 2 << 1;
-        QTest::newRow("others do not retry") << Make::Cinterion << 1 << false << 1 << 0;
+        const QByteArray x = Ussd::plain("x");
+        QTest::newRow("reply before OK")
+            << ExchangeRow{Make::Cinterion, Ussd::plain("Balans 5 r."), "Balans 5 r.", 1, 1, 0, true};
+        QTest::newRow("error after OK") << ExchangeRow{Make::Huawei, "+CME ERROR: 100", "old", 1};
+        QTest::newRow("late reply")
+            << ExchangeRow{Make::Zte, Ussd::ucs2(cyrillicBalance), "old" + cyrillicBalance, 3, 1, 0, false, 2300};
+        QTest::newRow("modem vanishes") << ExchangeRow{Make::Cinterion, "", "old", 10, 1, 0, false, 100, 1500};
+        QTest::newRow("ZTE: second try goes through") << ExchangeRow{Make::Zte, Ussd::plain("1 r."), "1 r.", 1, 2, 1};
+        QTest::newRow("ZTE: one retry only") << ExchangeRow{Make::Zte, x, "old", 0, 2, 2};
+        QTest::newRow("ZTE: other errors not retried") << ExchangeRow{Make::Zte, x, "old", 0, 1, -1};
+        QTest::newRow("others do not retry") << ExchangeRow{Make::Cinterion, x, "old", 0, 1, 1};
     }
 
-    void zteRetry()
+    void exchange()
     {
-        QFETCH(Make, make);
-        QFETCH(int, refusals);
-        QFETCH(bool, result);
-        QFETCH(int, requests);
-        QFETCH(int, retryLogs);
+        QFETCH(ExchangeRow, row);
 
-        SimModem sim(make);
+        SimModem sim(row.make);
         AtModem modem;
         QVERIFY(startAndOpen(sim, modem));
-        sim.setUssdRefusals(refusals);
-        sim.setUssdReply("*102#", Ussd::plain("Balans 1 r."));
-
-        LogRecorder log;
-        QString message = QStringLiteral("old");
-        QCOMPARE(modem.sendUSSD(QStringLiteral("*102#"), message), result);
-        QCOMPARE(message, result ? QStringLiteral("Balans 1 r.") : QStringLiteral("old"));
-        QCOMPARE(sim.commands().count("+CUSD=1,\"*102#\",15"), requests);
-        QCOMPARE(countLogs(log, QStringLiteral("Retry send USSD for ZTE modems")), retryLogs);
-        if (!result)
-            QCOMPARE(modem.lastError(), QStringLiteral("Modem said \"ERROR\""));
-    }
-
-    void zteOtherErrorNoRetry()
-    {
-        SimModem sim(Make::Zte);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setFault("+CUSD=1,\"*102#\",15", Fault::Error);
-        QString message;
-        QVERIFY(!modem.sendUSSD(QStringLiteral("*102#"), message));
-        QCOMPARE(sim.commands(), (QList<QByteArray>{"E0", "+CUSD=1,\"*102#\",15"}));
-    }
-
-    // Some modems present the reply before their OK: it is in the buffer
-    // from the start.
-    void replyBeforeOk()
-    {
-        SimModem sim(Make::Cinterion);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setUssdReplyBeforeOk(true);
-        sim.setUssdReply("*100#", Ussd::plain("Balans 5 r."));
-        LogRecorder log;
-        QString message;
-        QVERIFY(modem.sendUSSD(QStringLiteral("*100#"), message));
-        QCOMPARE(message, QStringLiteral("Balans 5 r."));
-        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt")), 1);
-    }
-
-    void errorAfterOk()
-    {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setUssdReply("*100#", "+CME ERROR: 100");
-        LogRecorder log;
-        QString message = QStringLiteral("old");
-        QVERIFY(!modem.sendUSSD(QStringLiteral("*100#"), message));
-        QCOMPARE(message, QStringLiteral("old"));
-        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt")), 1);
-    }
-
-    // The reply comes late: the buffer keeps growing over the attempts and
-    // is decoded once the reply is in.
-    void lateReply()
-    {
-        SimModem sim(Make::Zte);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setUssdDelay(2300);
-        sim.setUssdReply("*100#", Ussd::ucs2(cyrillicBalance));
-        sim.sendUnsolicited("\r\n+CREG: 1\r\n", 300);   // noise before the reply stays harmless
-        LogRecorder log;
-        // The caller's events keep being processed during the wait.
+        sim.setUssdReplyBeforeOk(row.beforeOk);
+        sim.setUssdDelay(row.delayMs);
+        sim.setUssdReply("*100#", row.reply);
+        if (row.refusals < 0)
+            sim.setFault("+CUSD=1,\"*100#\",15", Fault::Error);
+        else
+            sim.setUssdRefusals(row.refusals);
+        sim.sendUnsolicited("\r\n+CREG: 1\r\n", 300);
+        if (row.vanishMs > 0)
+            sim.vanishAfter(row.vanishMs);
+        // A timer of the caller's; it dies with the row when it has not fired.
         int ticks = 0;
-        QTimer::singleShot(1500, [&ticks] { ++ticks; });
-        QString message;
-        QVERIFY(modem.sendUSSD(QStringLiteral("*100#"), message));
-        QCOMPARE(ticks, 1);
-        QCOMPARE(message, cyrillicBalance);
-        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt 3.")), 1);
-        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt 4.")), 0);
-        QCOMPARE(modem.parseModemBalance(message), 12.5);
-    }
+        QObject caller;
+        QTimer::singleShot(1500, &caller, [&ticks] { ++ticks; });
 
-    // The modem dies after its OK: the wait runs its ten attempts and gives
-    // up without a reply.
-    void modemVanishesDuringWait()
-    {
-        SimModem sim(Make::Cinterion);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        sim.setUssdReply("*100#", QByteArray());   // the network never answers
-        sim.vanishAfter(1500);
         LogRecorder log;
         QString message = QStringLiteral("old");
-        QVERIFY(!modem.sendUSSD(QStringLiteral("*100#"), message));
-        QCOMPARE(message, QStringLiteral("old"));
-        QVERIFY(sim.hasVanished());
-        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt")), 10);
-        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt 10.")), 1);
+        const bool ok = modem.sendUSSD(QStringLiteral("*100#"), message);
+        QCOMPARE(ok, row.message != QLatin1String("old"));
+        QCOMPARE(message, row.message);
+        QCOMPARE(modem.lastError(), row.attempts == 0 ? QStringLiteral("Modem said \"ERROR\"") : QString());
+        int requests = 0;
+        for (const QByteArray& command : sim.commands())
+            requests += command.startsWith("+CUSD=1,") ? 1 : 0;
+        QCOMPARE(requests, row.requests);
+        QCOMPARE(countLogs(log, QStringLiteral("Retry send USSD for ZTE modems")), row.requests - 1);
+        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt")), row.attempts);
+        if (row.attempts > 0)
+            QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt %1.").arg(row.attempts)), 1);
+        if (row.attempts > 1)
+            QCOMPARE(ticks, 1);
+        QCOMPARE(sim.hasVanished(), row.vanishMs > 0);
     }
 
     void refusedWithoutSending()
@@ -339,24 +293,10 @@ private slots:
         QString message = QStringLiteral("old");
         QVERIFY(!modem.sendUSSD(QString(), message));
         QVERIFY(sim.commands().isEmpty());
-        QCOMPARE(message, QStringLiteral("old"));
 
         AtModem closed;
         QVERIFY(!closed.sendUSSD(QStringLiteral("*100#"), message));
         QVERIFY(!closed.sendUSSD2(QStringLiteral("*100#"), message));
-        QCOMPARE(message, QStringLiteral("old"));
-    }
-
-    void ussdRejected()
-    {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
-        // A request whose answer would come by SMS, refused by the modem.
-        sim.setFault("+CUSD=0,\"aa180c3602\",15", Fault::Error);
-        QString message = QStringLiteral("old");
-        QVERIFY(!modem.sendUSSD2(QStringLiteral("*100#"), message));
-        QCOMPARE(sim.commands(), (QList<QByteArray>{"E0", "+CUSD=0,\"aa180c3602\",15"}));
         QCOMPARE(message, QStringLiteral("old"));
     }
 
