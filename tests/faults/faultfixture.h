@@ -2,19 +2,15 @@
 // Helpers of the fault tests: what a port leaves behind (open descriptors,
 // serial lock files), simulated ports for the search, and a message filter
 // that keeps the thousands of debug lines of a faulty exchange out of the
-// test's output.
-#include "portinfoprovider.h"
+// test's output. The search's simulated ports are the finder tests' own.
+#include "../finder/finderfixture.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QMap>
-#include <QReadLocker>
-#include <QReadWriteLock>
 #include <QString>
 #include <QStringList>
-#include <QWriteLocker>
 
 namespace faults {
 
@@ -79,42 +75,13 @@ inline QStringList lockFiles(const QString& node, const QString& link)
     return lockFiles(node) + lockFiles(link);
 }
 
-// Bare port names mapped to simulated devices, installed for the process
-// while it lives. Ports not declared do not exist.
-class Ports : public PortInfoProvider
+// Nothing of the driver's is left on the device: only `ownDescriptors`
+// (the simulator's hold on it), and no lock file under the node or `link`.
+inline bool released(const QString& node, int ownDescriptors, const QString& link = QString())
 {
-public:
-    Ports() { PortInfoProvider::install(this); }
-    ~Ports() override { PortInfoProvider::install(nullptr); }
-
-    void declare(const QString& name, const QString& device)
-    {
-        QWriteLocker lock(&m_lock);
-        m_devices.insert(name, device);
-    }
-    QStringList availablePorts() const override
-    {
-        QReadLocker lock(&m_lock);
-        return m_devices.keys();
-    }
-    Port port(const QString& portName) const override
-    {
-        QReadLocker lock(&m_lock);
-        Port p;
-        p.exists = m_devices.contains(portName);
-        return p;
-    }
-    QString devicePath(const QString& portName) const override
-    {
-        QReadLocker lock(&m_lock);
-        return m_devices.value(portName, portName);
-    }
-    QString dataPortLink() const override { return QString(); }
-
-private:
-    mutable QReadWriteLock m_lock;
-    QMap<QString, QString> m_devices;
-};
+    return openDescriptors(node) == ownDescriptors
+        && (link.isEmpty() ? lockFiles(node) : lockFiles(node, link)).isEmpty();
+}
 
 // Passes on critical messages only: a faulty exchange logs thousands of
 // debug lines and hundreds of warnings, more than a test log should hold.

