@@ -7,7 +7,7 @@ set -euo pipefail
 
 packages=(
     cmake g++ make pkg-config
-    qtbase5-dev libqt5serialport5-dev qttools5-dev-tools
+    qtbase5-dev libqt5serialport5-dev qttools5-dev qttools5-dev-tools
     zlib1g-dev
     # Independent SMS decoder used as a peer by the tests and benchmarks.
     python3 python3-gammu
