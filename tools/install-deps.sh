@@ -3,6 +3,8 @@
 # when any of them is missing. Safe to run again: it does nothing then.
 #   tools/install-deps.sh          build, tests, sanitizer runs
 #   tools/install-deps.sh --fuzz   and clang with libFuzzer for the fuzz targets
+#   tools/install-deps.sh --fresh-machine
+#                                  and what tools/check-fresh-machine.sh needs
 set -euo pipefail
 
 packages=(
@@ -16,9 +18,13 @@ packages=(
     # Packaging checks.
     dpkg-dev file
 )
-if [ "${1:-}" = "--fuzz" ]; then
-    packages+=(clang libclang-rt-dev)
-fi
+for option in "$@"; do
+    case "$option" in
+        --fuzz) packages+=(clang libclang-rt-dev) ;;
+        --fresh-machine) packages+=(mmdebstrap git) ;;
+        *) echo "install-deps: unknown option '$option'" >&2; exit 2 ;;
+    esac
+done
 
 missing=()
 for p in "${packages[@]}"; do

@@ -33,7 +33,17 @@ if(NOT LAST_OUTPUT MATCHES "SONAME +libzelmodemslib\\.so\\.5\n")
     message(FATAL_ERROR "wrong SONAME:\n${LAST_OUTPUT}")
 endif()
 
-set(ENV{LD_LIBRARY_PATH} "${LIBDIR}")
+# Nothing below sets LD_LIBRARY_PATH: installed programs and libraries find
+# the project's libraries through their relative run paths.
+unset(ENV{LD_LIBRARY_PATH})
+
+# The installed tool starts from the prefix.
+if(EXISTS "${PREFIX}/bin/zelmodems")
+    run("${PREFIX}/bin/zelmodems" --help)
+    if(NOT LAST_OUTPUT MATCHES "zelmodems")
+        message(FATAL_ERROR "installed zelmodems --help printed: ${LAST_OUTPUT}")
+    endif()
+endif()
 
 # find_package consumer.
 run(${CMAKE_COMMAND} -S "${PROJECT_DIR}" -B "${WORK_DIR}/build" -DCMAKE_PREFIX_PATH=${PREFIX}
@@ -53,7 +63,10 @@ if(NOT rc EQUAL 0)
     message(FATAL_ERROR "pkg-config failed: ${err}")
 endif()
 separate_arguments(flags UNIX_COMMAND "${flags}")
-run(${CXX} -std=c++17 -fPIC "${PROJECT_DIR}/main.cpp" -o "${WORK_DIR}/consumer-pc" ${flags})
+# Outside the linker's own directories a program names the library's place
+# itself, as any program built on pkg-config flags does.
+run(${CXX} -std=c++17 -fPIC "${PROJECT_DIR}/main.cpp" -o "${WORK_DIR}/consumer-pc" ${flags}
+    "-Wl,-rpath,${LIBDIR}")
 run("${WORK_DIR}/consumer-pc")
 if(NOT LAST_OUTPUT MATCHES "zelmodemslib 5\\.0\\.28")
     message(FATAL_ERROR "pkg-config consumer printed: ${LAST_OUTPUT}")
