@@ -31,6 +31,7 @@ if [ ${#selected[@]} -eq 0 ]; then
 fi
 
 if [ "$build_it" -eq 1 ]; then
+    "$root/tools/install-deps.sh"
     cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DZELMODEMS_BUILD_BENCH=ON \
         -DZELMODEMS_BUILD_TESTS=OFF -DZELMODEMS_BUILD_TOOLS=ON >/dev/null
     cmake --build "$build" -j "$jobs" --target bench_all >/dev/null

@@ -92,4 +92,14 @@ builds SMS PDUs; runs a demonstration against simulated modems.
 modemsim starts simulated modems on pseudo-terminals for developing
 services without hardware.")
 
+# Every package carries the licence as its Debian copyright file.
+set(ZML_PACKAGE_OF_runtime "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}")
+set(ZML_PACKAGE_OF_development "${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}")
+set(ZML_PACKAGE_OF_tools "${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+    install(FILES "${PROJECT_SOURCE_DIR}/cmake/debian/copyright"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${ZML_PACKAGE_OF_${component}}"
+        COMPONENT ${component})
+endforeach()
+
 include(CPack)

@@ -8,6 +8,8 @@
 #
 #   tools/check-fresh-machine.sh            the committed HEAD of this clone
 #   tools/check-fresh-machine.sh --keep     keep the root for a look inside
+#   tools/check-fresh-machine.sh --also "tools/make-packages.sh" --also ...
+#                                           run more commands there afterwards
 #
 # Needs root. What the commands print goes to the log named at the end
 # ($ZELMODEMS_FRESH_LOG, else a file in $TMPDIR); a failure ends with one
@@ -15,12 +17,17 @@
 set -uo pipefail
 repo="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 keep=0
-case "${1:-}" in
-    --keep) keep=1 ;;
-    -h|--help) sed -n '2,15p' "$0"; exit 0 ;;
-    "") ;;
-    *) echo "check-fresh-machine: unknown argument '$1'" >&2; exit 2 ;;
-esac
+also=()
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --keep) keep=1 ;;
+        --also) [ $# -ge 2 ] || { echo "check-fresh-machine: --also needs a command" >&2; exit 2; }
+                also+=("$2"); shift ;;
+        -h|--help) sed -n '2,17p' "$0"; exit 0 ;;
+        *) echo "check-fresh-machine: unknown argument '$1'" >&2; exit 2 ;;
+    esac
+    shift
+done
 
 log="${ZELMODEMS_FRESH_LOG:-${TMPDIR:-/tmp}/check-fresh-machine.log}"
 : >"$log"
@@ -60,6 +67,7 @@ trap 'fail "interrupted"' INT TERM
 mapfile -t commands < <(awk '/^```/ { if (inside) exit; inside = 1; next }
     inside { sub(/[[:space:]]*#.*/, ""); if ($0 != "") print }' "$repo/README.md")
 [ ${#commands[@]} -ge 2 ] || fail "README.md has no code block with the set-up commands"
+commands+=("${also[@]}")
 
 # The apt sources of this machine and the settings it reaches them with.
 mirrors=()
@@ -76,7 +84,10 @@ done
 work="$(mktemp -d "${ZELMODEMS_FRESH_DIR:-/var/tmp}/zelmodems-fresh.XXXXXX")" || fail "no scratch folder"
 root="$work/root"
 echo "check-fresh-machine: building a bare Debian 12 root in $root"
-mmdebstrap --mode=root --variant=minbase "${aptopts[@]}" bookworm "$root" "${mirrors[@]}" \
+# mmdebstrap mounts /proc, /sys and /dev in the root while it installs; in a
+# private mount namespace of its own none of them can be left behind.
+unshare --mount --fork /bin/bash -c 'mount --make-rprivate / && exec "$@"' mmdebstrap \
+    mmdebstrap --mode=root --variant=minbase "${aptopts[@]}" bookworm "$root" "${mirrors[@]}" \
     >>"$log" 2>&1 || fail "mmdebstrap could not build the Debian root"
 cp /etc/resolv.conf "$root/etc/resolv.conf"
 git clone --quiet "$repo" "$root/work/zelmodemslib" >>"$log" 2>&1 || fail "git clone into the root"

@@ -210,6 +210,9 @@ private slots:
         QTest::newRow("pkg-config") << DEVELOPMENT << "/pkgconfig/zelmodemslib.pc" << QString();
         QTest::newRow("zelmodems") << TOOLS << "/bin/zelmodems" << QString();
         QTest::newRow("modemsim") << TOOLS << "/bin/modemsim" << QString();
+        for (const QString& package : {RUNTIME, DEVELOPMENT, TOOLS})
+            QTest::newRow(qPrintable(package + " copyright"))
+                << package << "/share/doc/" + package + "/copyright" << QString();
     }
 
     void contents()
@@ -242,7 +245,9 @@ private slots:
             QVERIFY2(!e.path.contains(QStringLiteral("/include/")) && !e.path.endsWith(QStringLiteral(".so")),
                      qPrintable(e.path));
         for (const Entry& e : m_contents.value(TOOLS))
-            QVERIFY2(e.directory || e.path.contains(QStringLiteral("/bin/")), qPrintable(e.path));
+            QVERIFY2(e.directory || e.path.contains(QStringLiteral("/bin/"))
+                         || e.path.contains(QStringLiteral("/share/doc/")),
+                     qPrintable(e.path));
     }
 
     void packagedToolRunsFromScratchRoot()
