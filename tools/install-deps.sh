@@ -5,6 +5,7 @@
 #   tools/install-deps.sh --fuzz   and clang with libFuzzer for the fuzz targets
 #   tools/install-deps.sh --fresh-machine
 #                                  and what tools/check-fresh-machine.sh needs
+#   tools/install-deps.sh --abi    and libabigail for tools/check-abi.sh
 set -euo pipefail
 
 packages=(
@@ -22,6 +23,7 @@ for option in "$@"; do
     case "$option" in
         --fuzz) packages+=(clang libclang-rt-dev) ;;
         --fresh-machine) packages+=(mmdebstrap git) ;;
+        --abi) packages+=(abigail-tools) ;;
         *) echo "install-deps: unknown option '$option'" >&2; exit 2 ;;
     esac
 done
