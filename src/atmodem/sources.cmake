@@ -4,7 +4,11 @@ list(APPEND ZML_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.h
-    ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/storedpdu.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp)
 list(APPEND ZML_PUBLIC_HEADERS
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
-    ${CMAKE_CURRENT_LIST_DIR}/atcommands.h)
+    ${CMAKE_CURRENT_LIST_DIR}/atcommands.h
+    ${CMAKE_CURRENT_LIST_DIR}/storedpdu.h
+    ${CMAKE_CURRENT_LIST_DIR}/messagestore.h)

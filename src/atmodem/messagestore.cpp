@@ -1,0 +1,234 @@
+// The modem's SMS store in PDU mode: listing, reading and deleting entries.
+#include "messagestore.h"
+
+#include "atmodem.h"
+#include "atmodemlog.h"
+
+#include <QCoreApplication>
+
+namespace zelmodems {
+
+namespace {
+
+const int SHORT_TIMEOUT_MS = 1000;
+const int LIST_TIMEOUT_MS = 5000;
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("zelmodems::MessageStore", text);
+}
+
+bool isHexLine(const QByteArray& line)
+{
+    if (line.isEmpty() || line.size() % 2 != 0)
+        return false;
+    for (const char c : line) {
+        if (!((c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f')))
+            return false;
+    }
+    return true;
+}
+
+// The comma-separated fields after "+CMGL:" or "+CMGR:"; a quoted field may
+// hold commas and keeps its text without the quotes.
+QList<QByteArray> fields(const QByteArray& text)
+{
+    QList<QByteArray> result;
+    QByteArray field;
+    bool quoted = false;
+    for (const char c : text) {
+        if (c == '"')
+            quoted = !quoted;
+        else if (c == ',' && !quoted)
+            result.append(field.trimmed()), field.clear();
+        else
+            field.append(c);
+    }
+    result.append(field.trimmed());
+    return result;
+}
+
+// A store index: decimal digits only, within MaxIndex.
+int parseIndex(const QByteArray& text)
+{
+    if (text.isEmpty() || text.size() > 6)
+        return -1;
+    for (const char c : text) {
+        if (c < '0' || c > '9')
+            return -1;
+    }
+    return text.toInt();
+}
+
+StoredPdu::Status parseStatus(const QByteArray& text)
+{
+    const int value = parseIndex(text);
+    return value >= StoredPdu::Unread && value <= StoredPdu::Sent ? StoredPdu::Status(value)
+                                                                  : StoredPdu::UnknownStatus;
+}
+
+// The lines of an answer, empty ones left out.
+QList<QByteArray> lines(const QByteArray& answer)
+{
+    QList<QByteArray> result;
+    int start = 0;
+    for (int i = 0; i <= answer.size(); ++i) {
+        if (i == answer.size() || answer.at(i) == '\r' || answer.at(i) == '\n') {
+            if (i > start)
+                result.append(answer.mid(start, i - start).trimmed());
+            start = i + 1;
+        }
+    }
+    result.removeAll(QByteArray());
+    return result;
+}
+
+// Fills `entry` from the fields of a header line, starting at the status
+// (`fields` without the index for +CMGL, as they are for +CMGR).
+void applyHeader(const QList<QByteArray>& header, StoredPdu& entry)
+{
+    entry.setStatus(parseStatus(header.value(0)));
+    // <stat>,[<alpha>],<length>: the length is the last field.
+    if (header.size() >= 3)
+        entry.setAlpha(QString::fromUtf8(header.value(1)));
+    const QByteArray length = header.size() >= 2 ? header.last() : QByteArray();
+    entry.setTpduLength(parseIndex(length));
+}
+
+} // namespace
+
+class MessageStorePrivate
+{
+public:
+    AtModem* modem = nullptr;
+    QString lastError;
+
+    bool fail(const QString& error)
+    {
+        lastError = error;
+        qCWarning(AT_MODEM()).noquote() << error;
+        return false;
+    }
+
+    // The modem's reason: its error line when it gave one, else the driver's.
+    QString reason(const QByteArray& answer) const
+    {
+        for (const QByteArray& line : lines(answer)) {
+            if (line.contains("ERROR"))
+                return QString::fromLatin1(line);
+        }
+        return modem->lastError().isEmpty() ? tr("no answer") : modem->lastError();
+    }
+
+    QString currentStorage()
+    {
+        QByteArray answer;
+        if (!modem->sendCommand("+CPMS?", answer, SHORT_TIMEOUT_MS))
+            return QString();
+        const int at = answer.indexOf("+CPMS:");
+        if (at < 0)
+            return QString();
+        const QByteArray line = lines(answer.mid(at + 6)).value(0);
+        return QString::fromLatin1(fields(line).value(0));
+    }
+};
+
+MessageStore::MessageStore(AtModem* modem) : d(new MessageStorePrivate)
+{
+    d->modem = modem;
+}
+
+MessageStore::~MessageStore() = default;
+
+QString MessageStore::lastError() const
+{
+    return d->lastError;
+}
+
+bool MessageStore::parseListing(const QByteArray& answer, QList<StoredPdu>& entries, QString* error)
+{
+    entries.clear();
+    if (answer.size() > MaxListingBytes) {
+        if (error)
+            *error = tr("the listing of %1 bytes is larger than any message store holds; refused")
+                         .arg(answer.size());
+        return false;
+    }
+    const QList<QByteArray> all = lines(answer);
+    for (int i = 0; i < all.size(); ++i) {
+        const QByteArray& line = all.at(i);
+        if (!line.startsWith("+CMGL:"))
+            continue;
+        const QList<QByteArray> header = fields(line.mid(6));
+        StoredPdu entry;
+        entry.setIndex(parseIndex(header.value(0)));
+        applyHeader(header.mid(1), entry);
+        if (entry.index() < 0)
+            entry.setProblem(tr("the index \"%1\" is not a store index").arg(QString::fromLatin1(header.value(0))));
+        if (i + 1 < all.size() && isHexLine(all.at(i + 1))) {
+            entry.setPdu(QString::fromLatin1(all.at(i + 1)));
+            ++i;
+        } else if (entry.problem().isEmpty()) {
+            entry.setProblem(tr("no PDU line follows the entry"));
+        }
+        entries.append(entry);
+    }
+    return true;
+}
+
+bool MessageStore::list(QList<StoredPdu>& entries)
+{
+    entries.clear();
+    d->lastError.clear();
+    QByteArray answer;
+    if (!d->modem->sendCommand("+CMGF=0", answer, SHORT_TIMEOUT_MS))
+        return d->fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(d->reason(answer)));
+    const QString storage = d->currentStorage();
+    const bool ended = d->modem->sendCommand("+CMGL=4", answer, LIST_TIMEOUT_MS);
+    QString error;
+    if (!parseListing(answer, entries, &error))
+        return d->fail(error);
+    for (StoredPdu& entry : entries)
+        entry.setStorage(storage);
+    if (!ended)
+        return d->fail(tr("the listing did not end (AT+CMGL=4): %1").arg(d->reason(answer)));
+    return true;
+}
+
+bool MessageStore::read(int index, StoredPdu& entry)
+{
+    entry = StoredPdu();
+    d->lastError.clear();
+    if (index < 0 || index > MaxIndex)
+        return d->fail(tr("%1 is not a store index").arg(index));
+    QByteArray answer;
+    if (!d->modem->sendCommand("+CMGF=0", answer, SHORT_TIMEOUT_MS))
+        return d->fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(d->reason(answer)));
+    const QString storage = d->currentStorage();
+    if (!d->modem->sendCommand("+CMGR=" + QByteArray::number(index), answer, SHORT_TIMEOUT_MS))
+        return d->fail(tr("reading message %1 failed: %2").arg(index).arg(d->reason(answer)));
+    const QList<QByteArray> all = lines(answer);
+    for (int i = 0; i + 1 < all.size(); ++i) {
+        if (all.at(i).startsWith("+CMGR:") && isHexLine(all.at(i + 1))) {
+            entry.setIndex(index);
+            applyHeader(fields(all.at(i).mid(6)), entry);
+            entry.setStorage(storage);
+            entry.setPdu(QString::fromLatin1(all.at(i + 1)));
+            return true;
+        }
+    }
+    return d->fail(tr("there is no message at index %1").arg(index));
+}
+
+bool MessageStore::remove(int index)
+{
+    d->lastError.clear();
+    if (index < 0 || index > MaxIndex)
+        return d->fail(tr("%1 is not a store index").arg(index));
+    QByteArray answer;
+    if (!d->modem->sendCommand("+CMGD=" + QByteArray::number(index), answer, SHORT_TIMEOUT_MS))
+        return d->fail(tr("deleting message %1 failed: %2").arg(index).arg(d->reason(answer)));
+    return true;
+}
+
+} // namespace zelmodems

@@ -1,0 +1,140 @@
+// The SMS store read without being emptied: the listing parser on real and
+// broken listings, and list/remove against the simulated modem.
+#include "messagestore.h"
+#include "simfixture.h"
+
+#include <QElapsedTimer>
+
+using zelmodems::MessageStore;
+using zelmodems::StoredPdu;
+
+namespace {
+
+const QByteArray PDU_A = "07919730071111F1040B919761214365F70000621142512304800BC8329BFD06D1D1E939";
+const QByteArray PDU_B = "0791973007111111040B919761214365F700006211425123048004D4F29C0E";
+
+// One entry as "index/status/pdu", "!" for a PDU missing, "?" when the
+// entry carries a problem.
+QString describe(const StoredPdu& e)
+{
+    return QStringLiteral("%1/%2/%3%4")
+        .arg(e.index())
+        .arg(int(e.status()))
+        .arg(e.pdu().isEmpty() ? QStringLiteral("!") : e.pdu().left(4))
+        .arg(e.problem().isEmpty() ? QString() : QStringLiteral("?"));
+}
+
+} // namespace
+
+class TestMessageStore : public QObject
+{
+    Q_OBJECT
+
+private:
+    zmltest::LockDir m_locks;
+
+private slots:
+    void initTestCase() { QVERIFY(m_locks.install()); }
+
+    void parseListing_data()
+    {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QStringList>("expected");
+        const QByteArray a = "+CMGL: 1,1,,23\r\n" + PDU_A + "\r\n";
+        const QByteArray b = "+CMGL: 7,0,,20\r\n" + PDU_B + "\r\n";
+        QTest::newRow("two entries with echo and OK") << "AT+CMGL=4\r\r\n" + a + b + "\r\nOK\r\n"
+                                                      << QStringList{"1/1/0791", "7/0/0791"};
+        QTest::newRow("outgoing, alpha with a comma, lower-case hex")
+            << "+CMGL: 3,2,\"Smith, J\",23\r\n" + PDU_A.toLower() + "\r\n" << QStringList{"3/2/0791"};
+        QTest::newRow("header without its PDU line")
+            << "+CMGL: 4,1,,23\r\n" + b << QStringList{"4/1/!?", "7/0/0791"};
+        QTest::newRow("PDU line not hexadecimal") << QByteArray("+CMGL: 5,1,,23\r\n07919Z\r\n")
+                                                  << QStringList{"5/1/!?"};
+        QTest::newRow("index not a number") << "+CMGL: x1,1,,23\r\n" + PDU_A + "\r\n" << QStringList{"-1/1/0791?"};
+        QTest::newRow("index too large for the store") << "+CMGL: 4294967297,1,,23\r\n" + PDU_A
+                                                       << QStringList{"-1/1/0791?"};
+        QTest::newRow("unknown status") << "+CMGL: 2,9,,23\r\n" + PDU_A << QStringList{"2/-1/0791"};
+        QTest::newRow("PDU line without a header is not an entry") << PDU_A + "\r\nOK\r\n" << QStringList();
+    }
+
+    void parseListing()
+    {
+        QFETCH(QByteArray, answer);
+        QFETCH(QStringList, expected);
+        QList<StoredPdu> entries;
+        QVERIFY(MessageStore::parseListing(answer, entries));
+        QStringList got;
+        for (const StoredPdu& e : entries)
+            got << describe(e);
+        QCOMPARE(got, expected);
+        for (const StoredPdu& e : entries)
+            QCOMPARE(e.isComplete(), e.index() >= 0 && !e.pdu().isEmpty() && e.problem().isEmpty());
+    }
+
+    void malformedListingIsLinear()
+    {
+        // 100 KB of headers without PDU lines: every one reported, at once.
+        QByteArray answer;
+        while (answer.size() < 100 * 1024)
+            answer += "+CMGL: 1,1,,23\r\n";
+        QList<StoredPdu> entries;
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(MessageStore::parseListing(answer, entries));
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(entries.size(), answer.count("+CMGL:"));
+        QVERIFY(!entries.last().problem().isEmpty());
+
+        // Larger than any store: refused with a reason.
+        QString error;
+        QVERIFY(!MessageStore::parseListing(QByteArray(MessageStore::MaxListingBytes + 1, 'A'), entries, &error));
+        QVERIFY(entries.isEmpty());
+        QVERIFY(error.contains(QLatin1String("refused")));
+    }
+
+    void listReadsWithoutDeleting()
+    {
+        modemsim::SimModem sim(modemsim::Make::Huawei);
+        AtModem modem(nullptr);
+        QVERIFY(zmltest::startAndOpen(sim, modem));
+        sim.storeSms(PDU_A, 0, 1);
+        sim.storeSms(PDU_B, 1, 4);
+        MessageStore store(&modem);
+
+        QList<StoredPdu> first, second;
+        QVERIFY2(store.list(first), qPrintable(store.lastError()));
+        QVERIFY2(store.list(second), qPrintable(store.lastError()));
+        QCOMPARE(first.size(), 2);
+        QCOMPARE(first.at(0).status(), StoredPdu::Unread);
+        QCOMPARE(second.at(0).status(), StoredPdu::Read);   // the modem marks listed messages read
+        for (int i = 0; i < 2; ++i) {
+            QCOMPARE(second.at(i).index(), first.at(i).index());
+            QCOMPARE(second.at(i).pdu(), first.at(i).pdu());
+        }
+        QCOMPARE(sim.storedSms().size(), 2);
+        for (const QByteArray& command : sim.commands())
+            QVERIFY2(!command.startsWith("+CMGD"), command.constData());
+    }
+
+    void removeReportsEachResult()
+    {
+        modemsim::SimModem sim(modemsim::Make::Huawei);
+        AtModem modem(nullptr);
+        QVERIFY(zmltest::startAndOpen(sim, modem));
+        sim.storeSms(PDU_A, 1, 2);
+        MessageStore store(&modem);
+
+        QVERIFY2(store.remove(2), qPrintable(store.lastError()));
+        QVERIFY(sim.storedSms().isEmpty());
+        QVERIFY(!store.remove(2));   // gone already: the modem's refusal is the reason
+        QVERIFY2(store.lastError().contains(QLatin1String("+CMS ERROR: 321")), qPrintable(store.lastError()));
+
+        sim.clearLog();
+        QVERIFY(!store.remove(-1));
+        QVERIFY(!store.remove(MessageStore::MaxIndex + 1));
+        QVERIFY(sim.commands().isEmpty());   // refused indexes are never sent
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMessageStore)
+#include "tst_messagestore.moc"
