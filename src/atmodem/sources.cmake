@@ -6,9 +6,13 @@ list(APPEND ZML_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.h
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp
     ${CMAKE_CURRENT_LIST_DIR}/storedpdu.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp)
 list(APPEND ZML_PUBLIC_HEADERS
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
     ${CMAKE_CURRENT_LIST_DIR}/atcommands.h
     ${CMAKE_CURRENT_LIST_DIR}/storedpdu.h
-    ${CMAKE_CURRENT_LIST_DIR}/messagestore.h)
+    ${CMAKE_CURRENT_LIST_DIR}/messagestore.h
+    ${CMAKE_CURRENT_LIST_DIR}/atinput.h
+    ${CMAKE_CURRENT_LIST_DIR}/smssender.h)
