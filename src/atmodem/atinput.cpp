@@ -25,6 +25,17 @@ bool isControl(QChar c)
 
 } // namespace
 
+QString AtInput::checkArgument(const QString& value)
+{
+    for (const QChar c : value) {
+        if (isControl(c))
+            return tr("the value holds the control character %1").arg(codeOf(c));
+        if (c == QLatin1Char('"'))
+            return tr("the value holds a double quote");
+    }
+    return QString();
+}
+
 QString AtInput::checkNumber(const QString& number)
 {
     if (number.isEmpty())

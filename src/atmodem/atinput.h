@@ -18,6 +18,9 @@ namespace zelmodems {
 class ZELMODEMSLIB_EXPORT AtInput
 {
 public:
+    // Any value inside a command line: no control characters (CR, LF,
+    // Ctrl-Z, ESC and the rest) and no double quote.
+    static QString checkArgument(const QString& value);
     // A telephone number: an optional leading "+", then digits, "*" and "#".
     static QString checkNumber(const QString& number);
     // A USSD code: printable characters, no double quote.

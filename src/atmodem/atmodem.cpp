@@ -1,5 +1,6 @@
 #include "atmodem.h"
 #include "atdialect.h"
+#include "atinput.h"
 #include "atmodemlog.h"
 #include "sms.h"
 #include "smspduencoder.h"
@@ -419,6 +420,13 @@ bool AtModem::sendRawCommand(const QByteArray& data, QByteArray& answer, int tim
         }
     }
     failCommand(QByteArray(), answer);
+    return false;
+}
+
+bool AtModem::refuseInput(const QString& what, const QString& why)
+{
+    m_lastError = tr("Refused %1, nothing sent: %2").arg(what, why);
+    qCWarning(AT_MODEM()).noquote() << m_lastError;
     return false;
 }
 
@@ -906,6 +914,11 @@ bool AtModem::getInfo(QString& text)
 
 bool AtModem::requestUssd(const char* prefix, const QString& code, QByteArray& answer)
 {
+    // A CR or a quote in the code would end the command early and run the
+    // rest as a command of its own.
+    const QString unsafe = zelmodems::AtInput::checkArgument(code);
+    if (!unsafe.isEmpty())
+        return refuseInput(tr("USSD code"), unsafe);
     if (!portOpen())
         return false;
     enableLocalEcho(false);
@@ -1145,6 +1158,14 @@ bool AtModem::takeMessages(QList<AtModem::SSms>& messages)
 
 bool AtModem::sendMessage(const QString& number, const QString& text)
 {
+    // The number goes unquoted on the command line and the text ends at the
+    // first Ctrl-Z: either could carry a command of its own to the modem.
+    QString unsafe = zelmodems::AtInput::checkArgument(number);
+    if (!unsafe.isEmpty())
+        return refuseInput(tr("number"), unsafe);
+    unsafe = zelmodems::AtInput::checkSmsText(text);
+    if (!unsafe.isEmpty())
+        return refuseInput(tr("text"), unsafe);
     if (!portOpen())
         return false;
     enableLocalEcho(false);

@@ -189,6 +189,8 @@ private:
     // Sets the last error to the time-out text unless another error is set,
     // and logs the failed command.
     void failCommand(const QByteArray& command, const QByteArray& answer);
+    // Input that would end or escape the command line: nothing is sent.
+    bool refuseInput(const QString& what, const QString& why);
     void setLine(qint32 baudRate);
     // Composes and sends AT+CUSD with the payload and time-out the dialect
     // needs (with ZTE's one retry); `answer` gets the modem's answer.

@@ -1,8 +1,7 @@
 // What may go on an AT command line: input that would end the command,
 // close its quoted string, end or cancel an SMS text is refused.
 #include "atinput.h"
-
-#include <QtTest>
+#include "simfixture.h"
 
 using zelmodems::AtInput;
 
@@ -43,6 +42,38 @@ private slots:
                           : kind == 1 ? AtInput::checkUssdCode(input)
                                       : AtInput::checkSmsText(input);
         QCOMPARE(why.isEmpty(), accepted);
+    }
+
+    // The driver's own sending calls refuse the same input: the simulated
+    // modem receives nothing at all, and the reason is the last error.
+    void driverSendsNothing_data()
+    {
+        QTest::addColumn<int>("call");   // 0 sendMessage, 1 sendUSSD, 2 sendUSSD2
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QString>("second");
+        QTest::newRow("SMS text ending early") << 0 << "+79161234567" << "hello\x1a" "AT+CFUN=0\r";
+        QTest::newRow("SMS number with a command") << 0 << "+7916\rAT+CFUN=0\r" << "hello";
+        QTest::newRow("USSD code closing its quote") << 1 << "*100#\",15\rAT+CFUN=0" << QString();
+        QTest::newRow("USSD by SMS with a line feed") << 2 << "*105#\nAT+CFUN=0" << QString();
+    }
+
+    void driverSendsNothing()
+    {
+        QFETCH(int, call);
+        QFETCH(QString, first);
+        QFETCH(QString, second);
+        zmltest::LockDir locks;
+        QVERIFY(locks.install());
+        modemsim::SimModem sim(modemsim::Make::Huawei);
+        AtModem modem(nullptr);
+        QVERIFY(zmltest::startAndOpen(sim, modem));
+        QString reply;
+        const bool sent = call == 0 ? modem.sendMessage(first, second)
+                        : call == 1 ? modem.sendUSSD(first, reply)
+                                    : modem.sendUSSD2(first, reply);
+        QVERIFY(!sent);
+        QVERIFY2(modem.lastError().contains(QLatin1String("nothing sent")), qPrintable(modem.lastError()));
+        QCOMPARE(sim.commands(), QList<QByteArray>());
     }
 };
 
