@@ -175,7 +175,7 @@ int main(int argc, char** argv)
     }
     qInstallMessageHandler(discardMessages);
 
-    modemsim::SimModem sim(modemsim::Make::Huawei);
+    zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
     QString error;
     if (!sim.start(&error)) {
         std::fprintf(stderr, "simulator: %s\n", qPrintable(error));

@@ -10,7 +10,7 @@
 
 #include "modeminfo.h"
 #include "modemsfinder.h"
-#include "portinfoprovider.h"
+#include "portcatalogue.h"
 #include "portprobe.h"
 #include "simmodem.h"
 
@@ -33,11 +33,11 @@ using namespace bench;
 namespace {
 
 // Bare names mapped to the simulator's devices; everything else does not exist.
-class BenchPorts : public PortInfoProvider
+class BenchPorts : public zelmodems::PortCatalogue
 {
 public:
-    BenchPorts() { PortInfoProvider::install(this); }
-    ~BenchPorts() override { PortInfoProvider::install(nullptr); }
+    BenchPorts() { zelmodems::PortCatalogue::install(this); }
+    ~BenchPorts() override { zelmodems::PortCatalogue::install(nullptr); }
 
     void set(const QMap<QString, QString>& devices) { m_devices = devices; }
 
@@ -176,7 +176,7 @@ int main(int argc, char** argv)
     const int loopAt = app.arguments().indexOf(QStringLiteral("--probe-loop"));
     if (loopAt > 0) {
         const int count = qMax(1, app.arguments().value(loopAt + 1).toInt());
-        modemsim::SimModem sim(modemsim::Make::Huawei);
+        zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
         if (!sim.start())
             return 1;
         ports.set({{QStringLiteral("ttyS99"), sim.devicePath()}});
@@ -199,7 +199,7 @@ int main(int argc, char** argv)
     int commands = 0;
     int rejected = 0;
     {
-        modemsim::SimModem sim(modemsim::Make::Huawei);
+        zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
         QString error;
         if (!sim.start(&error)) {
             std::fprintf(stderr, "simulator: %s\n", qPrintable(error));

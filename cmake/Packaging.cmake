@@ -4,6 +4,8 @@
 #                        qt5ext and zelbus stand-ins it links), translations
 #   libzelmodemslib-dev  development: headers, CMake package, pkg-config file,
 #                        the unversioned .so links
+#   libzelmodemssim5     simulator: the modem simulator library, for the
+#                        tests of services built on the library
 #   zelmodems-tools      tools: zelmodems and modemsim
 #
 #   cmake -S . -B build-packages -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr
@@ -32,7 +34,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_COMPONENTS_ALL runtime simulator development)
 if(ZELMODEMS_BUILD_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
@@ -46,7 +48,7 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 # dependencies below supply those, with the exact version).
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-    "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/platform")
+    "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/platform" "${PROJECT_BINARY_DIR}/tools/modemsim")
 # A shlibs file, so that packages built against the library depend on it.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
@@ -66,10 +68,23 @@ produces the dial-up connection records of the appliance's dialer.
 This package holds the shared library libzelmodemslib.so.${PROJECT_VERSION_MAJOR} and its
 translations.")
 
+# Simulator.
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME "libzelmodemssim${PROJECT_VERSION_MAJOR}")
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SECTION libs)
+set(CPACK_COMPONENT_SIMULATOR_DEPENDS runtime)
+set(CPACK_COMPONENT_SIMULATOR_DISPLAY_NAME "ZelModemsLib modem simulator")
+set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION
+    "simulated modems on pseudo-terminals (library)
+Simulated GSM modems of several makes on pseudo-terminals, scriptable
+in-process (signal, USSD replies, stored SMS, errors, silence, a device
+that disappears), for testing services built on ZelModemsLib without
+hardware. Headers and the CMake component Simulator are in
+libzelmodemslib-dev.")
+
 # Development.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME "libzelmodemslib-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime simulator)
 # The public headers include Qt's, and the CMake package finds Qt.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qtbase5-dev, libqt5serialport5-dev")
 set(CPACK_COMPONENT_DEVELOPMENT_DISPLAY_NAME "ZelModemsLib development files")
@@ -82,7 +97,7 @@ for building programs on ZelModemsLib.")
 # Tools.
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME "zelmodems-tools")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
-set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
+set(CPACK_COMPONENT_TOOLS_DEPENDS runtime simulator)
 set(CPACK_COMPONENT_TOOLS_DISPLAY_NAME "ZelModemsLib tools")
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
     "modem command-line tool and modem simulator
@@ -94,6 +109,7 @@ services without hardware.")
 
 # Every package carries the licence as its Debian copyright file.
 set(ZML_PACKAGE_OF_runtime "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}")
+set(ZML_PACKAGE_OF_simulator "${CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME}")
 set(ZML_PACKAGE_OF_development "${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}")
 set(ZML_PACKAGE_OF_tools "${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)

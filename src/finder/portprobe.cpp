@@ -6,7 +6,7 @@
 #include "modemsettings.h"
 #include "modemsfinder.h"
 #include "operatordata.h"
-#include "portinfoprovider.h"
+#include "portcatalogue.h"
 
 #include <qt5ext/logformat.h>
 
@@ -52,8 +52,8 @@ ModemInfo PortProbe::operator()(const QString& portName) const
     ModemInfo result;
     result.setPortName(portName);
 
-    const PortInfoProvider& ports = PortInfoProvider::instance();
-    const PortInfoProvider::Port info = ports.port(portName);
+    const zelmodems::PortCatalogue& ports = zelmodems::PortCatalogue::instance();
+    const zelmodems::PortCatalogue::Port info = ports.port(portName);
     if (!info.exists) {
         qCWarning(AT_MODEM()).noquote() << ModemsFinder::tr("Invalid port %1").arg(portName);
         return result;

@@ -3,7 +3,7 @@
 #include "modemsfinder.h"
 
 #include "atmodemlog.h"
-#include "portinfoprovider.h"
+#include "portcatalogue.h"
 #include "portprobe.h"
 
 #include <qt5ext/logformat.h>
@@ -48,7 +48,7 @@ QList<ModemInfo> ModemsFinder::validModems() const
 
 void ModemsFinder::start()
 {
-    start(PortInfoProvider::instance().availablePorts());
+    start(zelmodems::PortCatalogue::instance().availablePorts());
 }
 
 void ModemsFinder::start(QStringList portNames)
@@ -139,12 +139,12 @@ void ModemsFinder::cancel()
 
 void ModemsFinder::prepareUsbModems()
 {
-    const PortInfoProvider& ports = PortInfoProvider::instance();
+    const zelmodems::PortCatalogue& ports = zelmodems::PortCatalogue::instance();
 
     QList<ModemInfo> usb;
     QList<ModemInfo> serial;
     for (const ModemInfo& modem : qAsConst(m_modems)) {
-        const PortInfoProvider::Port port = ports.port(modem.portName());
+        const zelmodems::PortCatalogue::Port port = ports.port(modem.portName());
         if (modem.portName().toLower().contains(QLatin1String("usb")) && port.hasProductIdentifier
             && port.hasVendorIdentifier)
             usb.append(modem);
@@ -163,7 +163,7 @@ void ModemsFinder::prepareUsbModems()
     // The interfaces of one USB modem share its vendor, product and IMEI.
     QMap<QString, QList<ModemInfo>> groups;
     for (const ModemInfo& modem : qAsConst(usb)) {
-        const PortInfoProvider::Port port = ports.port(modem.portName());
+        const zelmodems::PortCatalogue::Port port = ports.port(modem.portName());
         const qint64 id = qint64(port.vendorIdentifier) * 65536 + port.productIdentifier;
         groups[QStringLiteral("%1-%2").arg(id).arg(modem.imei())].append(modem);
     }

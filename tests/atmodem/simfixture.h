@@ -16,7 +16,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-Q_DECLARE_METATYPE(modemsim::Make)
+Q_DECLARE_METATYPE(zelmodems::sim::Make)
 Q_DECLARE_METATYPE(QList<QByteArray>)
 
 namespace zmltest {
@@ -57,7 +57,7 @@ inline QDateTime minutesAgo(int minutes)
 
 // Starts the simulator, opens the driver on it and forgets the commands of
 // the opening dialogue, so that a test sees only its own commands.
-inline bool startAndOpen(modemsim::SimModem& sim, AtModem& modem, qint32 baudRate = 115200)
+inline bool startAndOpen(zelmodems::sim::SimModem& sim, AtModem& modem, qint32 baudRate = 115200)
 {
     QString error;
     if (!sim.start(&error)) {

@@ -5,7 +5,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::portNameOf;
 using zmltest::startAndOpen;
 
@@ -33,7 +33,7 @@ QString errorOn(const QString& error, const SimModem& sim)
 } // namespace
 
 Q_DECLARE_METATYPE(AnswerRow)
-Q_DECLARE_METATYPE(modemsim::Fault)
+Q_DECLARE_METATYPE(zelmodems::sim::Fault)
 
 class TestAtChannel : public QObject
 {

@@ -6,7 +6,7 @@
 
 #include <QTemporaryDir>
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::portNameOf;
 using zmltest::startAndOpen;
 

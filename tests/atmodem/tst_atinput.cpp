@@ -64,7 +64,7 @@ private slots:
         QFETCH(QString, second);
         zmltest::LockDir locks;
         QVERIFY(locks.install());
-        modemsim::SimModem sim(modemsim::Make::Huawei);
+        zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
         AtModem modem(nullptr);
         QVERIFY(zmltest::startAndOpen(sim, modem));
         QString reply;

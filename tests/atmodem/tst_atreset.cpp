@@ -2,7 +2,7 @@
 // The restart sleeps of the driver are real: only one row pays one of them.
 #include "simfixture.h"
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::startAndOpen;
 
 using Commands = QList<QByteArray>;

@@ -4,7 +4,7 @@
 
 #include <QDateTime>
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::startAndOpen;
 
 namespace {

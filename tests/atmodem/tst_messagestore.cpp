@@ -94,7 +94,7 @@ private slots:
 
     void listReadsWithoutDeleting()
     {
-        modemsim::SimModem sim(modemsim::Make::Huawei);
+        zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
         AtModem modem(nullptr);
         QVERIFY(zmltest::startAndOpen(sim, modem));
         sim.storeSms(PDU_A, 0, 1);
@@ -118,7 +118,7 @@ private slots:
 
     void removeReportsEachResult()
     {
-        modemsim::SimModem sim(modemsim::Make::Huawei);
+        zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
         AtModem modem(nullptr);
         QVERIFY(zmltest::startAndOpen(sim, modem));
         sim.storeSms(PDU_A, 1, 2);

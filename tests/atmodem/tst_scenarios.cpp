@@ -4,7 +4,7 @@
 // disturb one another.
 #include "simfixture.h"
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::minutesAgo;
 
 class TestScenarios : public QObject

@@ -2,7 +2,7 @@
 // or in the SMS the operator sends back.
 #include "simfixture.h"
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::minutesAgo;
 using zmltest::startAndOpen;
 

@@ -4,7 +4,7 @@
 
 #include <QTimer>
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::LogRecorder;
 using zmltest::minutesAgo;
 using zmltest::startAndOpen;

@@ -6,7 +6,7 @@
 #include <QTimer>
 #include <QTranslator>
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 using zmltest::LogRecorder;
 using zmltest::startAndOpen;
 

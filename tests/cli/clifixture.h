@@ -68,9 +68,9 @@ inline Result run(const QStringList& args, int timeoutMs = 30000,
 }
 
 // A started simulated modem of `make`, or null (the test then fails).
-inline std::unique_ptr<modemsim::SimModem> startModem(const modemsim::Profile& profile)
+inline std::unique_ptr<zelmodems::sim::SimModem> startModem(const zelmodems::sim::Profile& profile)
 {
-    auto modem = std::make_unique<modemsim::SimModem>(profile);
+    auto modem = std::make_unique<zelmodems::sim::SimModem>(profile);
     QString error;
     if (!modem->start(&error)) {
         qWarning("cannot start a simulated modem: %s", qPrintable(error));
@@ -79,9 +79,9 @@ inline std::unique_ptr<modemsim::SimModem> startModem(const modemsim::Profile& p
     return modem;
 }
 
-inline std::unique_ptr<modemsim::SimModem> startModem(modemsim::Make make)
+inline std::unique_ptr<zelmodems::sim::SimModem> startModem(zelmodems::sim::Make make)
 {
-    return startModem(modemsim::Profile::forMake(make));
+    return startModem(zelmodems::sim::Profile::forMake(make));
 }
 
 } // namespace clitest

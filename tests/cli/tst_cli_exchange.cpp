@@ -5,11 +5,11 @@
 #include <QJsonArray>
 
 using clitest::run;
-using modemsim::Fault;
-using modemsim::Make;
-using modemsim::Profile;
-using modemsim::SimModem;
-using modemsim::Ussd;
+using zelmodems::sim::Fault;
+using zelmodems::sim::Make;
+using zelmodems::sim::Profile;
+using zelmodems::sim::SimModem;
+using zelmodems::sim::Ussd;
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <QJsonArray>
 
 using clitest::run;
-using modemsim::Make;
-using modemsim::SimModem;
+using zelmodems::sim::Make;
+using zelmodems::sim::SimModem;
 
 class TestCliFind : public QObject
 {

@@ -5,9 +5,9 @@
 #include <QJsonArray>
 
 using clitest::run;
-using modemsim::Make;
-using modemsim::Profile;
-using modemsim::SimModem;
+using zelmodems::sim::Make;
+using zelmodems::sim::Profile;
+using zelmodems::sim::SimModem;
 
 class TestCliQuery : public QObject
 {
@@ -159,7 +159,7 @@ private slots:
         QVERIFY(!huawei.json().contains("cells"));
 
         // The registration query refused, and no neighbour list.
-        m_huawei->setFault("+CREG?", modemsim::Fault::Error);
+        m_huawei->setFault("+CREG?", zelmodems::sim::Fault::Error);
         const clitest::Result none = run({"cells", port("huawei")});
         m_huawei->clearFaults();
         QCOMPARE(none.exitCode, 1);
@@ -193,7 +193,7 @@ private slots:
         QVERIFY(json.json().value("operatorTable").isNull());
 
         // Without a SIM the modem has no IMSI.
-        modem->setFault("+CIMI", modemsim::Fault::Error);
+        modem->setFault("+CIMI", zelmodems::sim::Fault::Error);
         const clitest::Result noSim = run({"operator", modem->devicePath()});
         QCOMPARE(noSim.exitCode, 1);
         QVERIFY2(noSim.err.contains("zelmodems operator: cannot read the SIM's operator codes"), noSim.describe());

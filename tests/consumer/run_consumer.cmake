@@ -55,6 +55,16 @@ if(NOT LAST_OUTPUT MATCHES "zelmodemslib 5\\.0\\.28")
     message(FATAL_ERROR "consumer printed: ${LAST_OUTPUT}")
 endif()
 
+# A service's test on the installed simulator: modems found through a
+# declared-ports catalogue and queried.
+set(ENV{QT5EXT_LOCK_DIR} "${WORK_DIR}/locks")
+file(MAKE_DIRECTORY "${WORK_DIR}/locks")
+run("${WORK_DIR}/build/simfinder")
+message(STATUS "simulator consumer: ${LAST_OUTPUT}")
+if(NOT LAST_OUTPUT STREQUAL "found ttyS1 861234567890123\nfound ttyUSB0 866123456789012\nsignal -73\n")
+    message(FATAL_ERROR "simulator consumer printed: ${LAST_OUTPUT}")
+endif()
+
 # pkg-config consumer.
 set(ENV{PKG_CONFIG_PATH} "${LIBDIR}/pkgconfig")
 execute_process(COMMAND pkg-config --cflags --libs zelmodemslib

@@ -14,9 +14,9 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
-using modemsim::DeliverPdu;
-using modemsim::Make;
-using modemsim::SimModem;
+using zelmodems::sim::DeliverPdu;
+using zelmodems::sim::Make;
+using zelmodems::sim::SimModem;
 
 namespace {
 

@@ -16,10 +16,10 @@
 #include <optional>
 #include <vector>
 
-using modemsim::Fault;
-using modemsim::Make;
-using modemsim::Profile;
-using modemsim::SimModem;
+using zelmodems::sim::Fault;
+using zelmodems::sim::Make;
+using zelmodems::sim::Profile;
+using zelmodems::sim::SimModem;
 
 namespace {
 
@@ -88,7 +88,7 @@ private slots:
         sims.at(2)->setFault("+CIMI", Fault::Vanish);
         SimModem* dying = sims.at(3).get();
         auto identifications = std::make_shared<int>(0);
-        dying->addHandler([dying, identifications](const QByteArray& command) -> std::optional<modemsim::Reply> {
+        dying->addHandler([dying, identifications](const QByteArray& command) -> std::optional<zelmodems::sim::Reply> {
             if (command == "I" && ++*identifications == 5)
                 dying->setFault(QByteArray(), Fault::Vanish);   // the next command, whatever it is
             return std::nullopt;

@@ -13,8 +13,8 @@
 #include <QTimer>
 #include <QtTest>
 
-using modemsim::Make;
-using modemsim::SimModem;
+using zelmodems::sim::Make;
+using zelmodems::sim::SimModem;
 
 namespace {
 

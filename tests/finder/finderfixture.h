@@ -5,7 +5,7 @@
 #include "modeminfo.h"
 #include "modemsfinder.h"
 #include "logrecorder.h"
-#include "portinfoprovider.h"
+#include "portcatalogue.h"
 
 #include <QList>
 #include <QMap>
@@ -25,11 +25,11 @@ using zmltest::LogRecorder;
 // Ports declared by a test: bare names (ttyUSB0) mapped to simulated devices
 // with the USB identity and busy flag the test gives them. Names that are
 // not declared do not exist. Installed for the whole process while it lives.
-class SimPorts : public PortInfoProvider
+class SimPorts : public zelmodems::PortCatalogue
 {
 public:
-    SimPorts() { PortInfoProvider::install(this); }
-    ~SimPorts() override { PortInfoProvider::install(nullptr); }
+    SimPorts() { zelmodems::PortCatalogue::install(this); }
+    ~SimPorts() override { zelmodems::PortCatalogue::install(nullptr); }
 
     void declare(const QString& name, const QString& device, const Port& port)
     {

@@ -16,9 +16,9 @@
 #include <memory>
 
 using namespace findertest;
-using modemsim::Make;
-using modemsim::Profile;
-using modemsim::SimModem;
+using zelmodems::sim::Make;
+using zelmodems::sim::Profile;
+using zelmodems::sim::SimModem;
 
 namespace {
 
@@ -97,7 +97,7 @@ private slots:
         qint64 lastStart = 0;
         qint64 firstEnd = std::numeric_limits<qint64>::max();
         for (auto& sim : sims) {
-            const QList<modemsim::CommandRecord> log = sim->log();
+            const QList<zelmodems::sim::CommandRecord> log = sim->log();
             QVERIFY(!log.isEmpty());
             QCOMPARE(log.last().command, QByteArray("&F0"));
             lastStart = std::max(lastStart, log.first().epochMs);

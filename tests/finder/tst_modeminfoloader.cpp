@@ -11,9 +11,9 @@
 
 #include <memory>
 
-using modemsim::Make;
-using modemsim::Profile;
-using modemsim::SimModem;
+using zelmodems::sim::Make;
+using zelmodems::sim::Profile;
+using zelmodems::sim::SimModem;
 
 namespace {
 

@@ -18,9 +18,9 @@
 #include <memory>
 
 using namespace findertest;
-using modemsim::Make;
-using modemsim::Profile;
-using modemsim::SimModem;
+using zelmodems::sim::Make;
+using zelmodems::sim::Profile;
+using zelmodems::sim::SimModem;
 
 namespace {
 
@@ -242,12 +242,12 @@ private slots:
         // The refusing modem's climb began above 115200: it never heard the
         // rates between its first contacts.
         QSet<qint32> heard;
-        for (const modemsim::CommandRecord& r : refusing->log())
+        for (const zelmodems::sim::CommandRecord& r : refusing->log())
             heard.insert(r.lineSpeed);
         QCOMPARE(heard, QSet<qint32>({2400, 115200, 230400, 460800}));
         // The plain serial modem was climbed to the top of the ladder.
         bool topRate = false;
-        for (const modemsim::CommandRecord& r : serialModem->log())
+        for (const zelmodems::sim::CommandRecord& r : serialModem->log())
             topRate = topRate || r.lineSpeed == 4000000;
         QVERIFY(topRate);
         // Every modem found was left in command state with factory settings.

@@ -7,7 +7,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 
 class TestSimModem : public QObject
 {

@@ -13,7 +13,7 @@
 
 #include <signal.h>
 
-using namespace modemsim;
+using namespace zelmodems::sim;
 
 int main(int argc, char** argv)
 {

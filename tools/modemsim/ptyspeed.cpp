@@ -1,12 +1,12 @@
 // Kept apart from the rest of the simulator: <asm/termbits.h> (struct
 // termios2, needed for speeds outside the Bnnn table) clashes with
 // the C library's <termios.h>.
-#include "ptyspeed.h"
+#include "ptyspeed_p.h"
 
 #include <asm/termbits.h>
 #include <sys/ioctl.h>
 
-namespace modemsim {
+namespace zelmodems::sim {
 
 int readLineSpeed(int fd)
 {
@@ -16,4 +16,4 @@ int readLineSpeed(int fd)
     return int(tio.c_ospeed);
 }
 
-} // namespace modemsim
+} // namespace zelmodems::sim

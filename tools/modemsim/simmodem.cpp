@@ -1,5 +1,5 @@
 #include "simmodem.h"
-#include "ptyspeed.h"
+#include "ptyspeed_p.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -19,7 +19,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace modemsim {
+namespace zelmodems::sim {
 
 Reply Reply::ok(const QByteArray& body)
 {
@@ -1008,4 +1008,4 @@ Reply SimModem::Private::listSms(const QByteArray& key)
     return entries.isEmpty() ? Reply::ok() : Reply::ok(entries.join("\r\n"));
 }
 
-} // namespace modemsim
+} // namespace zelmodems::sim

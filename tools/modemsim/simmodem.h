@@ -1,5 +1,6 @@
 #pragma once
 #include "simprofile.h"
+#include "zelmodemssim_export.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -12,7 +13,7 @@
 #include <memory>
 #include <optional>
 
-namespace modemsim {
+namespace zelmodems::sim {
 
 // Faults a simulated modem can be told to show for a command.
 enum class Fault {
@@ -26,7 +27,7 @@ enum class Fault {
 };
 
 // What the modem writes back for one command.
-struct Reply
+struct ZELMODEMSSIM_EXPORT Reply
 {
     QByteArray bytes;      // written exactly as given
     int delayMs = 0;       // extra wait before the first byte
@@ -45,7 +46,7 @@ struct Reply
 
 // The "+CUSD: ..." lines in which a modem presents the network's USSD reply,
 // and the GSM 7-bit packing that USSD strings travel in.
-struct Ussd
+struct ZELMODEMSSIM_EXPORT Ussd
 {
     // +CUSD: <status>,"<text>",<dcs> with the text as it is.
     static QByteArray plain(const QByteArray& text, int dcs = 15, int status = 0);
@@ -68,7 +69,7 @@ struct Ussd
 // international when it begins with "+", alphanumeric when it holds a
 // letter, else of unknown type. The time stamp is written as it is, with a
 // zero time zone.
-struct DeliverPdu
+struct ZELMODEMSSIM_EXPORT DeliverPdu
 {
     // GSM 7-bit text (ASCII characters taken as septets).
     static QByteArray gsm7(const QByteArray& sender, const QDateTime& time, const QByteArray& text);
@@ -96,7 +97,7 @@ using Handler = std::function<std::optional<Reply>(const QByteArray& command)>;
 // device node (/dev/pts/N, or a symbolic link to it) that QSerialPort opens
 // like any serial port. The modem runs on a thread of its own, so a client
 // that blocks its own thread still gets answers. Every member is thread-safe.
-class SimModem
+class ZELMODEMSSIM_EXPORT SimModem
 {
 public:
     explicit SimModem(const Profile& profile);
@@ -207,4 +208,4 @@ private:
     std::unique_ptr<Private> d;
 };
 
-} // namespace modemsim
+} // namespace zelmodems::sim

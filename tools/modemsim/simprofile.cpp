@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-namespace modemsim {
+namespace zelmodems::sim {
 
 Profile Profile::forMake(Make make)
 {
@@ -107,4 +107,4 @@ bool Profile::parseMake(const QString& name, Make* make)
     return false;
 }
 
-} // namespace modemsim
+} // namespace zelmodems::sim

@@ -1,10 +1,12 @@
 #pragma once
+#include "zelmodemssim_export.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMap>
 #include <QString>
 
-namespace modemsim {
+namespace zelmodems::sim {
 
 // The makes the simulator can play. Each answers "ATI" the way such modems do.
 enum class Make { Huawei, SimCom, Zte, Cinterion, HspaDataCard, Unknown };
@@ -13,7 +15,7 @@ enum class Make { Huawei, SimCom, Zte, Cinterion, HspaDataCard, Unknown };
 // identification, its SIM and its fixed answers. Answers are keyed by the
 // command without "AT", in upper case (for example "+CSQ", "^SMONC"); the
 // value is the body printed before the final result code.
-struct Profile
+struct ZELMODEMSSIM_EXPORT Profile
 {
     Make make = Make::Huawei;
     QByteArray ati;              // body of the answer to "ATI"
@@ -34,4 +36,4 @@ struct Profile
     static QStringList makeNames();
 };
 
-} // namespace modemsim
+} // namespace zelmodems::sim

@@ -1,6 +1,6 @@
 #include "demomodems.h"
 #include "simmodem.h"
-#include "toolportinfo.h"
+#include "declaredports.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -8,11 +8,11 @@
 
 #include <unistd.h>
 
-using modemsim::DeliverPdu;
-using modemsim::Make;
-using modemsim::Profile;
-using modemsim::SimModem;
-using modemsim::Ussd;
+using zelmodems::sim::DeliverPdu;
+using zelmodems::sim::Make;
+using zelmodems::sim::Profile;
+using zelmodems::sim::SimModem;
+using zelmodems::sim::Ussd;
 
 namespace {
 
@@ -51,7 +51,7 @@ SimModem* DemoModems::add(const QString& name, std::unique_ptr<SimModem> modem, 
             *error = QStringLiteral("cannot link %1 to %2").arg(device, modem->ptyPath());
         return nullptr;
     }
-    PortInfoProvider::Port port;
+    zelmodems::PortCatalogue::Port port;
     port.exists = true;
     if (usb) {
         port.hasVendorIdentifier = true;
@@ -73,9 +73,10 @@ bool DemoModems::start(QString* error)
             *error = QStringLiteral("cannot create a scratch folder: %1").arg(m_dir.errorString());
         return false;
     }
-    m_portInfo = std::make_unique<ToolPortInfo>();
+    m_portInfo = std::make_unique<zelmodems::DeclaredPorts>();
     m_portInfo->setDeclaredOnly(true);
     m_portInfo->setDataPortLink(dataPortLink());
+    m_portInfo->install();
 
     // The USB stick: three interfaces of one modem, one IMEI, one SIM.
     Profile huawei = Profile::forMake(Make::Huawei);

@@ -6,10 +6,12 @@
 #include <memory>
 #include <vector>
 
-namespace modemsim {
+namespace zelmodems {
+class DeclaredPorts;
+namespace sim {
 class SimModem;
 }
-class ToolPortInfo;
+}
 
 // The simulated modems of the demo, as a user would have them plugged in:
 //  - a Huawei E3372 USB stick (12d1:1506) with three serial interfaces
@@ -46,11 +48,11 @@ public:
     QString dataPortLink() const;
 
 private:
-    modemsim::SimModem* add(const QString& name, std::unique_ptr<modemsim::SimModem> modem,
+    zelmodems::sim::SimModem* add(const QString& name, std::unique_ptr<zelmodems::sim::SimModem> modem,
                             const QString& description, bool usb, QString* error);
 
     QTemporaryDir m_dir;
-    std::unique_ptr<ToolPortInfo> m_portInfo;
-    std::vector<std::unique_ptr<modemsim::SimModem>> m_modems;
+    std::unique_ptr<zelmodems::DeclaredPorts> m_portInfo;
+    std::vector<std::unique_ptr<zelmodems::sim::SimModem>> m_modems;
     QList<Port> m_ports;
 };

@@ -5,7 +5,7 @@
 #include "modeminfo.h"
 #include "modemsfinder.h"
 #include "progressline.h"
-#include "toolportinfo.h"
+#include "declaredports.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -128,7 +128,7 @@ Report find(const QStringList& args)
     if (!cl.parse(args, report))
         return report;
 
-    ToolPortInfo* ports = ToolPortInfo::current();
+    const auto* ports = dynamic_cast<const zelmodems::DeclaredPorts*>(&zelmodems::PortCatalogue::instance());
     QStringList names;
     const QStringList given = cl.positional().isEmpty() && ports ? ports->availablePorts() : cl.positional();
     for (const QString& name : given) {

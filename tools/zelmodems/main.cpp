@@ -1,7 +1,7 @@
 // zelmodems: find, identify and query modems from the command line.
 #include "commands.h"
 #include "console.h"
-#include "toolportinfo.h"
+#include "declaredports.h"
 
 #include <QCoreApplication>
 
@@ -42,7 +42,8 @@ int main(int argc, char** argv)
 
     // Ports as the tool sees them (device paths of simulated modems
     // included), for the whole run.
-    ToolPortInfo ports;
+    zelmodems::DeclaredPorts ports;
+    ports.install();
     const Report report = commands::dispatch(args);
     const QString name = commands::nameOf(args);
     return report.print(name.isEmpty() ? QStringLiteral("zelmodems") : QStringLiteral("zelmodems ") + name);

@@ -1,8 +1,7 @@
 #include "modemsession.h"
 #include "commandline.h"
-#include "portinfoprovider.h"
 #include "report.h"
-#include "toolportinfo.h"
+#include "declaredports.h"
 
 #include <QFileInfo>
 
@@ -14,9 +13,9 @@ ModemSession::~ModemSession()
 bool ModemSession::open(const CommandLine& commandLine, Report& report)
 {
     m_portName = commandLine.port();
-    const PortInfoProvider& ports = PortInfoProvider::instance();
+    const zelmodems::PortCatalogue& ports = zelmodems::PortCatalogue::instance();
     const QString device = ports.devicePath(m_portName);
-    const auto* tool = dynamic_cast<const ToolPortInfo*>(&ports);
+    const auto* tool = dynamic_cast<const zelmodems::DeclaredPorts*>(&ports);
     const bool known = tool ? tool->exists(m_portName)
                             : ports.port(m_portName).exists || QFileInfo::exists(device);
     if (!known) {

@@ -1,0 +1,73 @@
+// The serial ports the modem search sees: the system's, or an installed catalogue.
+#include "portcatalogue.h"
+
+#include <QSerialPortInfo>
+
+#include <atomic>
+
+namespace zelmodems {
+
+namespace {
+
+std::atomic<const PortCatalogue*> installedCatalogue{nullptr};
+
+} // namespace
+
+PortCatalogue::PortCatalogue() = default;
+
+PortCatalogue::~PortCatalogue() = default;
+
+QStringList PortCatalogue::availablePorts() const
+{
+    QStringList names;
+    const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
+    for (const QSerialPortInfo& info : ports)
+        names << info.portName();
+    return names;
+}
+
+PortCatalogue::Port PortCatalogue::port(const QString& portName) const
+{
+    const QSerialPortInfo info(portName);
+    Port port;
+    port.exists = !info.isNull();
+    if (!port.exists)
+        return port;
+    // Whether another process holds the port's lock.
+    port.busy = info.isBusy();
+    port.hasVendorIdentifier = info.hasVendorIdentifier();
+    port.vendorIdentifier = info.vendorIdentifier();
+    port.hasProductIdentifier = info.hasProductIdentifier();
+    port.productIdentifier = info.productIdentifier();
+    port.manufacturer = info.manufacturer();
+    return port;
+}
+
+QString PortCatalogue::devicePath(const QString& portName) const
+{
+    return portName;
+}
+
+QString PortCatalogue::dataPortLink() const
+{
+    return QStringLiteral("/dev/gsmmodem");
+}
+
+const PortCatalogue& PortCatalogue::system()
+{
+    static const PortCatalogue systemCatalogue;
+    return systemCatalogue;
+}
+
+const PortCatalogue& PortCatalogue::instance()
+{
+    const PortCatalogue* installed = installedCatalogue.load();
+    return installed ? *installed : system();
+}
+
+const PortCatalogue* PortCatalogue::install(const PortCatalogue* catalogue)
+{
+    return installedCatalogue.exchange(catalogue);
+}
+
+} // namespace zelmodems
