@@ -16,19 +16,19 @@ namespace {
 void roundTrip(zmlfuzz::Input& in)
 {
     PDU::SubmitOptions options;
-    options.alphabet = PDU::Alphabet(in.range<int>(0, 3));
-    options.numberType = PDU::NumberType(in.range<int>(0, 3));
-    options.statusReport = in.boolean();
-    options.validityMinutes = in.range<int>(-10, 700000);
-    options.concatReference = in.range<int>(-1, 70000);
-    options.reference16Bit = in.boolean();
+    options.setAlphabet(PDU::Alphabet(in.range<int>(0, 3)));
+    options.setNumberType(PDU::NumberType(in.range<int>(0, 3)));
+    options.setStatusReport(in.boolean());
+    options.setValidityMinutes(in.range<int>(-10, 700000));
+    options.setConcatReference(in.range<int>(-1, 70000));
+    options.setReference16Bit(in.boolean());
     if (in.boolean())
-        options.serviceCentre = zmlfuzz::utf8(in.string(24));
+        options.setServiceCentre(zmlfuzz::utf8(in.string(24)));
     const QString recipient = zmlfuzz::utf8(in.string(30));
     const QString text = zmlfuzz::utf8(in.rest());
 
     QString error;
-    const QList<PDU> pdus = encodeSmsSubmit(recipient, text, options, &error);
+    const QList<PDU> pdus = zelmodems::encodeSmsSubmit(recipient, text, options, &error);
     if (pdus.isEmpty()) {
         ZML_FUZZ_CHECK(!error.isEmpty());
         return;
@@ -39,18 +39,18 @@ void roundTrip(zmlfuzz::Input& in)
         ZML_FUZZ_CHECK(pdu.tpduLength() == pdu.tpdu().size());
         ZML_FUZZ_CHECK(pdu.tpduLength() <= 164);
         ZML_FUZZ_CHECK(pdu.partNumber() == number && pdu.partCount() == pdus.size());
-        const PDU::Submit back = decodeSmsSubmit(pdu.toHex());
-        ZML_FUZZ_CHECK(back.valid);
-        ZML_FUZZ_CHECK(back.statusReport == options.statusReport);
+        const PDU::Submit back = zelmodems::decodeSmsSubmit(pdu.toHex());
+        ZML_FUZZ_CHECK(back.valid());
+        ZML_FUZZ_CHECK(back.statusReport() == options.statusReport());
         if (pdus.size() > 1) {
-            ZML_FUZZ_CHECK(back.partNumber == number);
-            ZML_FUZZ_CHECK(back.partCount == pdus.size());
+            ZML_FUZZ_CHECK(back.partNumber() == number);
+            ZML_FUZZ_CHECK(back.partCount() == pdus.size());
         }
-        joined += back.text;
+        joined += back.text();
         ++number;
     }
     // 8-bit data carries Latin-1 only; the other alphabets carry the text.
-    if (options.alphabet != PDU::EightBitAlphabet)
+    if (options.alphabet() != PDU::EightBitAlphabet)
         ZML_FUZZ_CHECK(joined == text);
 }
 
@@ -65,22 +65,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const bool withServiceCentre = (selector & 0x10) == 0;
     switch (selector % 8) {
     case 0:
-        (void)explainStatusReport(QString::fromLatin1(rest.constData(), rest.size()), withServiceCentre);
+        (void)zelmodems::explainStatusReport(QString::fromLatin1(rest.constData(), rest.size()), withServiceCentre);
         break;
     case 1: {
-        const PDU::StatusReport r = decodeStatusReport(QString::fromLatin1(rest.toHex()), withServiceCentre);
-        if (!r.valid)
-            ZML_FUZZ_CHECK(!r.error.isEmpty());
-        (void)explainStatusReport(QString::fromLatin1(rest.toHex()), withServiceCentre);
+        const PDU::StatusReport r = zelmodems::decodeStatusReport(QString::fromLatin1(rest.toHex()), withServiceCentre);
+        if (!r.valid())
+            ZML_FUZZ_CHECK(!r.error().isEmpty());
+        (void)zelmodems::explainStatusReport(QString::fromLatin1(rest.toHex()), withServiceCentre);
         break;
     }
     case 2:
-        (void)explainUserDataHeader(rest);
+        (void)zelmodems::explainUserDataHeader(rest);
         break;
     case 3: {
-        const PDU::Submit s = decodeSmsSubmit(QString::fromLatin1(rest.toHex()), withServiceCentre);
-        if (!s.valid)
-            ZML_FUZZ_CHECK(!s.error.isEmpty());
+        const PDU::Submit s = zelmodems::decodeSmsSubmit(QString::fromLatin1(rest.toHex()), withServiceCentre);
+        if (!s.valid())
+            ZML_FUZZ_CHECK(!s.error().isEmpty());
         break;
     }
     case 4: {

@@ -1,12 +1,15 @@
-#include "pdu.h"
-
+// The PDU toolkit's shared reader and tables: the GSM 7-bit alphabet, hex and
+// semi-octet fields, addresses, time stamps, header elements, and the PDU value.
+#include "pdu_p.h"
 #include <QAtomicInt>
 #include <QHash>
 #include <QRandomGenerator>
 #include <QStringList>
 #include <QTimeZone>
 
-namespace {
+namespace zelmodems {
+
+namespace pduinternal {
 
 // ---------------------------------------------------------------------------
 // GSM 7-bit default alphabet and its extension table (TS 23.038 6.2.1).
@@ -30,11 +33,6 @@ const ushort GSM7_DEFAULT[128] = {
     0x0068, 0x0069, 0x006A, 0x006B, 0x006C, 0x006D, 0x006E, 0x006F, // h - o
     0x0070, 0x0071, 0x0072, 0x0073, 0x0074, 0x0075, 0x0076, 0x0077, // p - w
     0x0078, 0x0079, 0x007A, 0x00E4, 0x00F6, 0x00F1, 0x00FC, 0x00E0, // x y z ä ö ñ ü à
-};
-
-struct ExtensionEntry {
-    uchar septet;
-    ushort character;
 };
 
 const ExtensionEntry GSM7_EXTENSION[] = {
@@ -65,23 +63,6 @@ const QHash<ushort, ushort>& gsm7Reverse()
     }();
     return table;
 }
-
-// ---------------------------------------------------------------------------
-// Limits (TS 23.040 9.2.3.24): 140 octets of user data.
-
-const int MAX_SEPTETS = 160;
-const int MAX_UCS2_OCTETS = 140;
-const int MAX_PARTS = 255;
-const int MAX_ADDRESS_DIGITS = 20;
-
-// First-octet bits of SMS-SUBMIT.
-const uchar MTI_SUBMIT = 0x01;
-const uchar VPF_RELATIVE = 0x10;
-const uchar SRR = 0x20;
-const uchar UDHI = 0x40;
-
-const uchar DCS_GSM7 = 0x00;
-const uchar DCS_UCS2 = 0x08;
 
 const char SEMI_OCTET_DIGITS[] = "0123456789*#abc";
 
@@ -132,62 +113,6 @@ QString octetList(const QByteArray& octets)
 {
     return octets.isEmpty() ? QString() : QStringLiteral(": ") + hexOctets(octets);
 }
-
-// Bounds-checked reading of a TPDU; the first failure is remembered with the
-// name of the field that ran short.
-class OctetReader
-{
-public:
-    explicit OctetReader(const QByteArray& data)
-        : m_data(data)
-    {
-    }
-
-    bool octet(uchar* out, const QString& field)
-    {
-        QByteArray one;
-        if (!octets(1, &one, field))
-            return false;
-        *out = static_cast<uchar>(one.at(0));
-        return true;
-    }
-
-    bool octets(int n, QByteArray* out, const QString& field)
-    {
-        if (m_failed)
-            return false;
-        if (n < 0 || n > m_data.size() - m_pos) {
-            m_failed = true;
-            m_error = PDU::tr("Truncated in %1 at octet %2 (%3 needed, %4 left)")
-                          .arg(field)
-                          .arg(m_pos)
-                          .arg(n)
-                          .arg(m_data.size() - m_pos);
-            return false;
-        }
-        *out = m_data.mid(m_pos, n);
-        m_pos += n;
-        return true;
-    }
-
-    void fail(const QString& error)
-    {
-        if (!m_failed) {
-            m_failed = true;
-            m_error = error;
-        }
-    }
-
-    int remaining() const { return m_data.size() - m_pos; }
-    bool failed() const { return m_failed; }
-    QString error() const { return m_error; }
-
-private:
-    QByteArray m_data;
-    int m_pos = 0;
-    bool m_failed = false;
-    QString m_error;
-};
 
 // Semi-octets (low nibble first) to digits; 0xF ends the number.
 QString decodeSemiOctets(const QByteArray& octets, int digits)
@@ -426,12 +351,6 @@ int expectedElementLength(uchar iei)
     }
 }
 
-struct HeaderInfo {
-    int reference = -1;
-    int partNumber = 1;
-    int partCount = 1;
-};
-
 // Concatenation fields of a well-formed header (length octet first).
 HeaderInfo concatenationOf(const QByteArray& header)
 {
@@ -526,37 +445,44 @@ void setError(QString* error, const QString& text)
         *error = text;
 }
 
-} // namespace
+} // namespace pduinternal
+
+using namespace pduinternal;
 
 // ---------------------------------------------------------------------------
 // PDU
 
-PDU::PDU() = default;
+PDU::PDU() : d(new PduData) {}
 
 PDU::PDU(const QByteArray& serviceCentre, const QByteArray& tpdu, int partNumber, int partCount)
-    : m_serviceCentre(serviceCentre)
-    , m_tpdu(tpdu)
-    , m_partNumber(partNumber)
-    , m_partCount(partCount)
+    : d(new PduData)
 {
+    d->serviceCentre = serviceCentre;
+    d->tpdu = tpdu;
+    d->partNumber = partNumber;
+    d->partCount = partCount;
 }
 
-bool PDU::isNull() const { return m_tpdu.isEmpty(); }
-QByteArray PDU::serviceCentre() const { return m_serviceCentre; }
-QByteArray PDU::tpdu() const { return m_tpdu; }
-int PDU::tpduLength() const { return m_tpdu.size(); }
-int PDU::partNumber() const { return m_partNumber; }
-int PDU::partCount() const { return m_partCount; }
+PDU::PDU(const PDU& other) = default;
+PDU& PDU::operator=(const PDU& other) = default;
+PDU::~PDU() = default;
+
+bool PDU::isNull() const { return d->tpdu.isEmpty(); }
+QByteArray PDU::serviceCentre() const { return d->serviceCentre; }
+QByteArray PDU::tpdu() const { return d->tpdu; }
+int PDU::tpduLength() const { return d->tpdu.size(); }
+int PDU::partNumber() const { return d->partNumber; }
+int PDU::partCount() const { return d->partCount; }
 
 QString PDU::toHex() const
 {
-    return QString::fromLatin1((m_serviceCentre + m_tpdu).toHex().toUpper());
+    return QString::fromLatin1((d->serviceCentre + d->tpdu).toHex().toUpper());
 }
 
 bool PDU::operator==(const PDU& other) const
 {
-    return m_serviceCentre == other.m_serviceCentre && m_tpdu == other.m_tpdu
-        && m_partNumber == other.m_partNumber && m_partCount == other.m_partCount;
+    return d->serviceCentre == other.d->serviceCentre && d->tpdu == other.d->tpdu
+        && d->partNumber == other.d->partNumber && d->partCount == other.d->partCount;
 }
 
 bool PDU::operator!=(const PDU& other) const { return !(*this == other); }
@@ -814,357 +740,84 @@ QString PDU::statusMeaning(int status)
 // ---------------------------------------------------------------------------
 // Free functions
 
-QList<PDU> encodeSmsSubmit(const QString& recipient, const QString& text,
-                           const PDU::SubmitOptions& options, QString* error)
-{
-    bool ok = false;
-    const QByteArray address = PDU::encodeAddress(recipient, options.numberType, &ok);
-    if (!ok) {
-        setError(error, PDU::tr("Invalid recipient number \"%1\"").arg(recipient));
-        return {};
-    }
+PDU::SubmitOptions::SubmitOptions() : d(new PduSubmitOptionsData) {}
+PDU::SubmitOptions::SubmitOptions(const PduSubmitOptionsData& data) : d(new PduSubmitOptionsData(data)) {}
+PDU::SubmitOptions::SubmitOptions(const SubmitOptions& other) = default;
+PDU::SubmitOptions& PDU::SubmitOptions::operator=(const SubmitOptions& other) = default;
+PDU::SubmitOptions::~SubmitOptions() = default;
+bool PDU::SubmitOptions::operator==(const PDU::SubmitOptions& other) const { return d == other.d || *d == *other.d; }
+PDU::Alphabet PDU::SubmitOptions::alphabet() const { return d->alphabet; }
+void PDU::SubmitOptions::setAlphabet(PDU::Alphabet value) { d->alphabet = value; }
+PDU::NumberType PDU::SubmitOptions::numberType() const { return d->numberType; }
+void PDU::SubmitOptions::setNumberType(PDU::NumberType value) { d->numberType = value; }
+bool PDU::SubmitOptions::statusReport() const { return d->statusReport; }
+void PDU::SubmitOptions::setStatusReport(bool value) { d->statusReport = value; }
+int PDU::SubmitOptions::validityMinutes() const { return d->validityMinutes; }
+void PDU::SubmitOptions::setValidityMinutes(int value) { d->validityMinutes = value; }
+int PDU::SubmitOptions::concatReference() const { return d->concatReference; }
+void PDU::SubmitOptions::setConcatReference(int value) { d->concatReference = value; }
+bool PDU::SubmitOptions::reference16Bit() const { return d->reference16Bit; }
+void PDU::SubmitOptions::setReference16Bit(bool value) { d->reference16Bit = value; }
+QString PDU::SubmitOptions::serviceCentre() const { return d->serviceCentre; }
+void PDU::SubmitOptions::setServiceCentre(const QString& value) { d->serviceCentre = value; }
 
-    QByteArray serviceCentre(1, '\0');
-    if (!options.serviceCentre.isEmpty()) {
-        const QByteArray field = PDU::encodeAddress(options.serviceCentre, PDU::AutoNumberType, &ok);
-        if (!ok) {
-            setError(error, PDU::tr("Invalid service centre number \"%1\"").arg(options.serviceCentre));
-            return {};
-        }
-        // Here the length counts octets (type of address included), not digits.
-        serviceCentre = field.mid(1);
-        serviceCentre.prepend(static_cast<char>(serviceCentre.size()));
-    }
+PDU::Submit::Submit() : d(new PduSubmitData) {}
+PDU::Submit::Submit(const PduSubmitData& data) : d(new PduSubmitData(data)) {}
+PDU::Submit::Submit(const Submit& other) = default;
+PDU::Submit& PDU::Submit::operator=(const Submit& other) = default;
+PDU::Submit::~Submit() = default;
+bool PDU::Submit::operator==(const PDU::Submit& other) const { return d == other.d || *d == *other.d; }
+bool PDU::Submit::valid() const { return d->valid; }
+void PDU::Submit::setValid(bool value) { d->valid = value; }
+QString PDU::Submit::error() const { return d->error; }
+void PDU::Submit::setError(const QString& value) { d->error = value; }
+int PDU::Submit::messageReference() const { return d->messageReference; }
+void PDU::Submit::setMessageReference(int value) { d->messageReference = value; }
+QString PDU::Submit::recipient() const { return d->recipient; }
+void PDU::Submit::setRecipient(const QString& value) { d->recipient = value; }
+int PDU::Submit::recipientType() const { return d->recipientType; }
+void PDU::Submit::setRecipientType(int value) { d->recipientType = value; }
+bool PDU::Submit::statusReport() const { return d->statusReport; }
+void PDU::Submit::setStatusReport(bool value) { d->statusReport = value; }
+int PDU::Submit::validityMinutes() const { return d->validityMinutes; }
+void PDU::Submit::setValidityMinutes(int value) { d->validityMinutes = value; }
+int PDU::Submit::dataCodingScheme() const { return d->dataCodingScheme; }
+void PDU::Submit::setDataCodingScheme(int value) { d->dataCodingScheme = value; }
+PDU::Alphabet PDU::Submit::alphabet() const { return d->alphabet; }
+void PDU::Submit::setAlphabet(PDU::Alphabet value) { d->alphabet = value; }
+QByteArray PDU::Submit::header() const { return d->header; }
+void PDU::Submit::setHeader(const QByteArray& value) { d->header = value; }
+int PDU::Submit::concatReference() const { return d->concatReference; }
+void PDU::Submit::setConcatReference(int value) { d->concatReference = value; }
+int PDU::Submit::partNumber() const { return d->partNumber; }
+void PDU::Submit::setPartNumber(int value) { d->partNumber = value; }
+int PDU::Submit::partCount() const { return d->partCount; }
+void PDU::Submit::setPartCount(int value) { d->partCount = value; }
+QString PDU::Submit::text() const { return d->text; }
+void PDU::Submit::setText(const QString& value) { d->text = value; }
 
-    PDU::Alphabet alphabet = options.alphabet;
-    if (alphabet == PDU::EightBitAlphabet) {
-        setError(error, PDU::tr("Text messages are sent in the GSM 7-bit or UCS2 alphabet"));
-        return {};
-    }
-    const QByteArray septets = PDU::toGsm7(text, &ok);
-    if (alphabet == PDU::AutoAlphabet)
-        alphabet = ok ? PDU::Gsm7Alphabet : PDU::Ucs2Alphabet;
-    if (alphabet == PDU::Gsm7Alphabet && !ok) {
-        setError(error, PDU::tr("The text has characters outside the GSM 7-bit alphabet"));
-        return {};
-    }
-    const bool gsm = alphabet == PDU::Gsm7Alphabet;
+PDU::StatusReport::StatusReport() : d(new PduStatusReportData) {}
+PDU::StatusReport::StatusReport(const PduStatusReportData& data) : d(new PduStatusReportData(data)) {}
+PDU::StatusReport::StatusReport(const StatusReport& other) = default;
+PDU::StatusReport& PDU::StatusReport::operator=(const StatusReport& other) = default;
+PDU::StatusReport::~StatusReport() = default;
+bool PDU::StatusReport::operator==(const PDU::StatusReport& other) const { return d == other.d || *d == *other.d; }
+bool PDU::StatusReport::valid() const { return d->valid; }
+void PDU::StatusReport::setValid(bool value) { d->valid = value; }
+QString PDU::StatusReport::error() const { return d->error; }
+void PDU::StatusReport::setError(const QString& value) { d->error = value; }
+int PDU::StatusReport::messageReference() const { return d->messageReference; }
+void PDU::StatusReport::setMessageReference(int value) { d->messageReference = value; }
+QString PDU::StatusReport::recipient() const { return d->recipient; }
+void PDU::StatusReport::setRecipient(const QString& value) { d->recipient = value; }
+int PDU::StatusReport::recipientType() const { return d->recipientType; }
+void PDU::StatusReport::setRecipientType(int value) { d->recipientType = value; }
+QDateTime PDU::StatusReport::serviceCentreTime() const { return d->serviceCentreTime; }
+void PDU::StatusReport::setServiceCentreTime(const QDateTime& value) { d->serviceCentreTime = value; }
+QDateTime PDU::StatusReport::dischargeTime() const { return d->dischargeTime; }
+void PDU::StatusReport::setDischargeTime(const QDateTime& value) { d->dischargeTime = value; }
+int PDU::StatusReport::status() const { return d->status; }
+void PDU::StatusReport::setStatus(int value) { d->status = value; }
 
-    // Split only when one message cannot hold the text.
-    const int headerOctets = options.reference16Bit ? 7 : 6;
-    QList<QByteArray> gsmParts;
-    QList<QString> ucs2Parts;
-    if (gsm) {
-        if (septets.size() <= MAX_SEPTETS)
-            gsmParts.append(septets);
-        else
-            gsmParts = splitGsm7(septets, (MAX_UCS2_OCTETS - headerOctets) * 8 / 7);
-    } else {
-        if (text.size() * 2 <= MAX_UCS2_OCTETS)
-            ucs2Parts.append(text);
-        else
-            ucs2Parts = splitUcs2(text, (MAX_UCS2_OCTETS - headerOctets) / 2);
-    }
-    const int count = gsm ? gsmParts.size() : ucs2Parts.size();
-    if (count > MAX_PARTS) {
-        setError(error, PDU::tr("The text needs %1 messages, more than %2").arg(count).arg(MAX_PARTS));
-        return {};
-    }
 
-    const bool concatenated = count > 1;
-    int reference = options.concatReference >= 0 ? options.concatReference : nextConcatReference();
-    reference &= options.reference16Bit ? 0xFFFF : 0xFF;
-    const int validity = PDU::validityOctet(options.validityMinutes);
-
-    QList<PDU> result;
-    // An empty text still makes one (empty) message.
-    const int total = qMax(count, 1);
-    for (int i = 0; i < total; ++i) {
-        QByteArray header;
-        if (concatenated) {
-            if (options.reference16Bit) {
-                header = QByteArray::fromHex("060804");
-                header.append(static_cast<char>(reference >> 8));
-                header.append(static_cast<char>(reference & 0xFF));
-            } else {
-                header = QByteArray::fromHex("050003");
-                header.append(static_cast<char>(reference));
-            }
-            header.append(static_cast<char>(count));
-            header.append(static_cast<char>(i + 1));
-        }
-
-        uchar firstOctet = MTI_SUBMIT;
-        if (validity >= 0)
-            firstOctet |= VPF_RELATIVE;
-        if (options.statusReport)
-            firstOctet |= SRR;
-        if (concatenated)
-            firstOctet |= UDHI;
-
-        QByteArray tpdu;
-        tpdu.append(static_cast<char>(firstOctet));
-        tpdu.append('\0'); // TP-MR: the modem puts its own
-        tpdu.append(address);
-        tpdu.append('\0'); // TP-PID: plain short message
-        tpdu.append(static_cast<char>(gsm ? DCS_GSM7 : DCS_UCS2));
-        if (validity >= 0)
-            tpdu.append(static_cast<char>(validity));
-
-        if (gsm) {
-            const QByteArray partSeptets = gsmParts.value(i);
-            // After a header the septets start on a septet boundary.
-            const int headerBits = header.size() * 8;
-            const int fill = (7 - headerBits % 7) % 7;
-            const int udl = (headerBits + fill) / 7 + partSeptets.size();
-            tpdu.append(static_cast<char>(udl));
-            tpdu.append(header);
-            tpdu.append(PDU::packSeptets(partSeptets, fill));
-        } else {
-            const QByteArray octets = toUtf16BigEndian(ucs2Parts.value(i));
-            tpdu.append(static_cast<char>(header.size() + octets.size()));
-            tpdu.append(header);
-            tpdu.append(octets);
-        }
-        result.append(PDU(serviceCentre, tpdu, i + 1, total));
-    }
-    setError(error, QString());
-    return result;
-}
-
-PDU::Submit decodeSmsSubmit(const QString& hexPdu, bool withServiceCentre)
-{
-    PDU::Submit submit;
-    QByteArray octets;
-    if (!parseHex(hexPdu, &octets, &submit.error))
-        return submit;
-
-    OctetReader reader(octets);
-    if (withServiceCentre) {
-        uchar length = 0;
-        QByteArray centre;
-        reader.octet(&length, PDU::tr("the service centre address"));
-        reader.octets(length, &centre, PDU::tr("the service centre address"));
-    }
-    uchar first = 0;
-    if (reader.octet(&first, PDU::tr("the first octet")) && (first & 0x03) != MTI_SUBMIT)
-        reader.fail(PDU::tr("Not an SMS-SUBMIT (message type indicator %1)").arg(first & 0x03));
-
-    uchar mr = 0;
-    uchar pid = 0;
-    uchar dcs = 0;
-    reader.octet(&mr, PDU::tr("the message reference"));
-    if (!reader.failed())
-        readAddress(reader, PDU::tr("the destination address"), &submit.recipient, &submit.recipientType);
-    reader.octet(&pid, PDU::tr("the protocol identifier"));
-    reader.octet(&dcs, PDU::tr("the data coding scheme"));
-    const int vpf = (first >> 3) & 0x03;
-    if (vpf == 2) {
-        uchar vp = 0;
-        if (reader.octet(&vp, PDU::tr("the validity period")))
-            submit.validityMinutes = PDU::validityMinutes(vp);
-    } else if (vpf != 0) {
-        QByteArray vp;
-        reader.octets(7, &vp, PDU::tr("the validity period"));
-    }
-    uchar udl = 0;
-    reader.octet(&udl, PDU::tr("the user data length"));
-    if (reader.failed()) {
-        submit.error = reader.error();
-        return submit;
-    }
-
-    submit.messageReference = mr;
-    submit.statusReport = (first & SRR) != 0;
-    submit.dataCodingScheme = dcs;
-    submit.alphabet = PDU::alphabetOfDcs(dcs);
-
-    const bool gsm = submit.alphabet == PDU::Gsm7Alphabet;
-    const int udOctets = gsm ? (udl * 7 + 7) / 8 : udl;
-    QByteArray userData;
-    if (!reader.octets(udOctets, &userData, PDU::tr("the user data"))) {
-        submit.error = reader.error();
-        return submit;
-    }
-
-    int headerSize = 0;
-    if (first & UDHI) {
-        headerSize = userData.isEmpty() ? 1 : static_cast<uchar>(userData.at(0)) + 1;
-        if (headerSize > userData.size()) {
-            submit.error = PDU::tr("The user data header (%1 octets) is longer than the user data (%2)")
-                               .arg(headerSize)
-                               .arg(userData.size());
-            return submit;
-        }
-        submit.header = userData.left(headerSize);
-        const HeaderInfo info = concatenationOf(submit.header);
-        submit.concatReference = info.reference;
-        submit.partNumber = info.partNumber;
-        submit.partCount = info.partCount;
-    }
-
-    if (gsm) {
-        const int headerBits = headerSize * 8;
-        const int fill = (7 - headerBits % 7) % 7;
-        const int headerSeptets = (headerBits + fill) / 7;
-        submit.text = PDU::fromGsm7(
-            PDU::unpackSeptets(userData.mid(headerSize), udl - headerSeptets, fill));
-    } else if (submit.alphabet == PDU::Ucs2Alphabet) {
-        submit.text = fromUtf16BigEndian(userData.mid(headerSize));
-    } else {
-        submit.text = QString::fromLatin1(userData.mid(headerSize));
-    }
-    submit.valid = true;
-    return submit;
-}
-
-namespace {
-
-// The report and its two raw time stamps (shown as they are when invalid).
-PDU::StatusReport readStatusReport(const QString& hexPdu, bool withServiceCentre, QByteArray* scts,
-                                   QByteArray* dt)
-{
-    PDU::StatusReport report;
-    QByteArray octets;
-    if (!parseHex(hexPdu, &octets, &report.error))
-        return report;
-
-    OctetReader reader(octets);
-    if (withServiceCentre) {
-        uchar length = 0;
-        QByteArray centre;
-        reader.octet(&length, PDU::tr("the service centre address"));
-        reader.octets(length, &centre, PDU::tr("the service centre address"));
-    }
-    uchar first = 0;
-    if (reader.octet(&first, PDU::tr("the first octet")) && (first & 0x03) != 0x02) {
-        static const char* const names[] = { "SMS-DELIVER", "SMS-SUBMIT", "SMS-STATUS-REPORT",
-                                             "reserved" };
-        reader.fail(PDU::tr("Not an SMS-STATUS-REPORT (message type indicator %1, %2)")
-                        .arg(first & 0x03)
-                        .arg(QLatin1String(names[first & 0x03])));
-    }
-    uchar mr = 0;
-    reader.octet(&mr, PDU::tr("the message reference"));
-    if (!reader.failed())
-        readAddress(reader, PDU::tr("the recipient address"), &report.recipient, &report.recipientType);
-    uchar status = 0;
-    reader.octets(7, scts, PDU::tr("the service centre time stamp"));
-    reader.octets(7, dt, PDU::tr("the discharge time"));
-    reader.octet(&status, PDU::tr("the status"));
-    // Optional parameters (TP-PI and what it announces) may follow; they are
-    // not needed to tell what happened to the message.
-    if (reader.failed()) {
-        report.error = reader.error();
-        return report;
-    }
-    report.messageReference = mr;
-    report.serviceCentreTime = decodeTimestamp(*scts);
-    report.dischargeTime = decodeTimestamp(*dt);
-    report.status = status;
-    report.valid = true;
-    return report;
-}
-
-} // namespace
-
-PDU::StatusReport decodeStatusReport(const QString& hexPdu, bool withServiceCentre)
-{
-    QByteArray scts;
-    QByteArray dt;
-    return readStatusReport(hexPdu, withServiceCentre, &scts, &dt);
-}
-
-QString explainStatusReport(const QString& hexPdu, bool withServiceCentre)
-{
-    QByteArray scts;
-    QByteArray dt;
-    const PDU::StatusReport report = readStatusReport(hexPdu, withServiceCentre, &scts, &dt);
-    if (!report.valid)
-        return PDU::tr("Invalid SMS-STATUS-REPORT: %1").arg(report.error);
-
-    QString classText;
-    switch (PDU::statusClass(report.status)) {
-    case PDU::StatusCompleted: classText = PDU::tr("transaction completed"); break;
-    case PDU::StatusTemporaryRetrying: classText = PDU::tr("temporary error, the SC is still trying"); break;
-    case PDU::StatusPermanentError: classText = PDU::tr("permanent error, no more attempts"); break;
-    case PDU::StatusTemporaryGivenUp: classText = PDU::tr("temporary error, no more attempts"); break;
-    case PDU::StatusReserved: classText = PDU::tr("reserved"); break;
-    }
-
-    QStringList lines;
-    lines << QStringLiteral("SMS-STATUS-REPORT");
-    lines << PDU::tr("  Message reference: %1").arg(report.messageReference);
-    lines << PDU::tr("  Recipient: %1 (%2)")
-                 .arg(report.recipient, describeNumberType(report.recipientType));
-    lines << PDU::tr("  Service centre time stamp: %1").arg(describeTime(report.serviceCentreTime, scts));
-    lines << PDU::tr("  Discharge time: %1").arg(describeTime(report.dischargeTime, dt));
-    lines << PDU::tr("  Status: 0x%1 (%2): %3")
-                 .arg(report.status, 2, 16, QLatin1Char('0'))
-                 .arg(classText, PDU::statusMeaning(report.status));
-    return lines.join(QLatin1Char('\n'));
-}
-
-QString explainUserDataHeader(const QByteArray& header)
-{
-    if (header.isEmpty())
-        return PDU::tr("Empty user data header");
-
-    const int declared = static_cast<uchar>(header.at(0));
-    const int present = header.size() - 1;
-    QStringList lines;
-    if (present < declared)
-        lines << PDU::tr("User data header, %1 octets declared, only %2 present").arg(declared).arg(present);
-    else
-        lines << PDU::tr("User data header, %1 octets").arg(declared);
-    if (present > declared)
-        lines << PDU::tr("  (%1 further octets are not part of the header)").arg(present - declared);
-
-    const QByteArray elements = header.mid(1, declared);
-    int pos = 0;
-    while (pos < elements.size()) {
-        const uchar iei = static_cast<uchar>(elements.at(pos));
-        if (pos + 1 >= elements.size()) {
-            lines << PDU::tr("  Element 0x%1 truncated: its length octet is missing")
-                         .arg(iei, 2, 16, QLatin1Char('0'));
-            break;
-        }
-        const int length = static_cast<uchar>(elements.at(pos + 1));
-        const QByteArray value = elements.mid(pos + 2, length);
-        const QString idText = QStringLiteral("0x%1").arg(iei, 2, 16, QLatin1Char('0'));
-        QString name = elementName(iei);
-        if (value.size() < length) {
-            lines << PDU::tr("  %1 (%2) truncated: %3 octets declared, %4 present%5")
-                         .arg(name.isEmpty() ? PDU::tr("Element") : name, idText)
-                         .arg(length)
-                         .arg(value.size())
-                         .arg(octetList(value));
-            break;
-        }
-        if (name.isEmpty()) {
-            lines << PDU::tr("  Unknown element %1 (%2), %3 octets%4")
-                         .arg(idText, unknownElementKind(iei))
-                         .arg(length)
-                         .arg(octetList(value));
-        } else {
-            bool lengthOk = true;
-            const QString meaning = describeElement(iei, value, &lengthOk);
-            if (!lengthOk) {
-                lines << PDU::tr("  %1 (%2): wrong length %3 (%4 expected)%5")
-                             .arg(name, idText)
-                             .arg(length)
-                             .arg(expectedElementLength(iei))
-                             .arg(octetList(value));
-            } else if (meaning.isEmpty()) {
-                lines << PDU::tr("  %1 (%2), %3 octets%4")
-                             .arg(name, idText)
-                             .arg(length)
-                             .arg(octetList(value));
-            } else {
-                lines << PDU::tr("  %1: %2").arg(name, meaning);
-            }
-        }
-        pos += 2 + length;
-    }
-    return lines.join(QLatin1Char('\n'));
-}
+} // namespace zelmodems

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QList>
+#include <QSharedDataPointer>
 #include <QString>
 
 // PDU toolkit: SMS-SUBMIT generation for modems in PDU mode (AT+CMGF=0) and
@@ -51,6 +52,13 @@
 //
 // All functions are reentrant; bad input gives an error text, never a crash.
 
+namespace zelmodems {
+
+class PduData;
+class PduSubmitOptionsData;
+class PduSubmitData;
+class PduStatusReportData;
+
 // One generated SMS-SUBMIT PDU: the service-centre part that AT+CMGS in PDU
 // mode expects in front (a single 00 octet for "the SMSC stored in the
 // modem") and the TPDU, whose length in octets is the number to give AT+CMGS.
@@ -82,56 +90,138 @@ public:
         StatusReserved,           // 0x80-0xFF and invalid values
     };
 
-    struct SubmitOptions {
-        Alphabet alphabet = AutoAlphabet;
-        NumberType numberType = AutoNumberType;
+    // What encodeSmsSubmit() is asked to build.
+    class ZELMODEMSLIB_EXPORT SubmitOptions
+    {
+    public:
+        SubmitOptions();
+        SubmitOptions(const PduSubmitOptionsData& data);
+        SubmitOptions(const SubmitOptions& other);
+        SubmitOptions& operator=(const SubmitOptions& other);
+        ~SubmitOptions();
+        bool operator==(const SubmitOptions& other) const;
+        bool operator!=(const SubmitOptions& other) const { return !(*this == other); }
+
+        // The alphabet: GSM 7-bit when the text fits it, otherwise UCS2 (AutoAlphabet)
+        Alphabet alphabet() const;
+        void setAlphabet(Alphabet value);
+        // The recipient's type of number.
+        NumberType numberType() const;
+        void setNumberType(NumberType value);
         // TP-SRR: ask the service centre for a status report.
-        bool statusReport = false;
-        // Relative validity period in minutes, rounded up to what the field
-        // can express (5 minutes to 63 weeks); 0 or less: no validity field.
-        int validityMinutes = 0;
-        // Concatenation reference of a long message; negative: the next value
-        // of a process-wide counter that starts at a random value.
-        int concatReference = -1;
-        // 16-bit concatenation references (one septet/character less per part).
-        bool reference16Bit = false;
+        bool statusReport() const;
+        void setStatusReport(bool value);
+        // Relative validity in minutes, rounded up to what the field can express (5 minutes to 63 weeks); 0 or less: no validity field.
+        int validityMinutes() const;
+        void setValidityMinutes(int value);
+        // Concatenation reference of a long message; negative: the next value of a process-wide counter that starts at a random value.
+        int concatReference() const;
+        void setConcatReference(int value);
+        // 16-bit concatenation references (one septet/character less per part)
+        bool reference16Bit() const;
+        void setReference16Bit(bool value);
         // Service centre to put in front; empty: the modem's stored one.
-        QString serviceCentre;
+        QString serviceCentre() const;
+        void setServiceCentre(const QString& value);
+
+    private:
+        QSharedDataPointer<PduSubmitOptionsData> d;
     };
 
     // An SMS-SUBMIT read back (to check what is about to be sent).
-    struct Submit {
-        bool valid = false;
-        QString error;
-        int messageReference = 0;
-        QString recipient;
-        int recipientType = 0;          // type-of-address octet
-        bool statusReport = false;
-        int validityMinutes = 0;        // relative validity only; 0: none
-        int dataCodingScheme = 0;
-        Alphabet alphabet = Gsm7Alphabet;
-        QByteArray header;              // user-data header, length octet first
-        int concatReference = -1;       // -1 without a concatenation element
-        int partNumber = 1;             // 1-based, as in the header
-        int partCount = 1;
-        QString text;                   // 8-bit data comes as Latin-1
+    class ZELMODEMSLIB_EXPORT Submit
+    {
+    public:
+        Submit();
+        Submit(const PduSubmitData& data);
+        Submit(const Submit& other);
+        Submit& operator=(const Submit& other);
+        ~Submit();
+        bool operator==(const Submit& other) const;
+        bool operator!=(const Submit& other) const { return !(*this == other); }
+
+        bool valid() const;
+        void setValid(bool value);
+        QString error() const;
+        void setError(const QString& value);
+        int messageReference() const;
+        void setMessageReference(int value);
+        QString recipient() const;
+        void setRecipient(const QString& value);
+        // Type-of-address octet.
+        int recipientType() const;
+        void setRecipientType(int value);
+        bool statusReport() const;
+        void setStatusReport(bool value);
+        // Relative validity only; 0: none.
+        int validityMinutes() const;
+        void setValidityMinutes(int value);
+        int dataCodingScheme() const;
+        void setDataCodingScheme(int value);
+        Alphabet alphabet() const;
+        void setAlphabet(Alphabet value);
+        // User-data header, length octet first.
+        QByteArray header() const;
+        void setHeader(const QByteArray& value);
+        // -1 without a concatenation element.
+        int concatReference() const;
+        void setConcatReference(int value);
+        // 1-based, as in the header.
+        int partNumber() const;
+        void setPartNumber(int value);
+        int partCount() const;
+        void setPartCount(int value);
+        // 8-bit data comes as Latin-1.
+        QString text() const;
+        void setText(const QString& value);
+
+    private:
+        QSharedDataPointer<PduSubmitData> d;
     };
 
-    // An SMS-STATUS-REPORT: what happened to a message sent with statusReport.
-    struct StatusReport {
-        bool valid = false;
-        QString error;
-        int messageReference = -1;      // TP-MR of the message the report is about
-        QString recipient;
-        int recipientType = 0;
-        QDateTime serviceCentreTime;    // TP-SCTS, with its zone as UTC offset
-        QDateTime dischargeTime;        // TP-DT
-        int status = -1;                // TP-ST
+    // An SMS-STATUS-REPORT: what happened to a message sent with a status report requested.
+    class ZELMODEMSLIB_EXPORT StatusReport
+    {
+    public:
+        StatusReport();
+        StatusReport(const PduStatusReportData& data);
+        StatusReport(const StatusReport& other);
+        StatusReport& operator=(const StatusReport& other);
+        ~StatusReport();
+        bool operator==(const StatusReport& other) const;
+        bool operator!=(const StatusReport& other) const { return !(*this == other); }
+
+        bool valid() const;
+        void setValid(bool value);
+        QString error() const;
+        void setError(const QString& value);
+        // TP-MR of the message the report is about.
+        int messageReference() const;
+        void setMessageReference(int value);
+        QString recipient() const;
+        void setRecipient(const QString& value);
+        int recipientType() const;
+        void setRecipientType(int value);
+        // TP-SCTS, with its zone as UTC offset.
+        QDateTime serviceCentreTime() const;
+        void setServiceCentreTime(const QDateTime& value);
+        // TP-DT.
+        QDateTime dischargeTime() const;
+        void setDischargeTime(const QDateTime& value);
+        // TP-ST.
+        int status() const;
+        void setStatus(int value);
+
+    private:
+        QSharedDataPointer<PduStatusReportData> d;
     };
 
     PDU();
     PDU(const QByteArray& serviceCentre, const QByteArray& tpdu, int partNumber = 1,
         int partCount = 1);
+    PDU(const PDU& other);
+    PDU& operator=(const PDU& other);
+    ~PDU();
 
     bool isNull() const;
     // Service-centre part, its length octet first (a single 00 by default).
@@ -182,10 +272,7 @@ public:
     static StatusClass statusClass(int status);
 
 private:
-    QByteArray m_serviceCentre;
-    QByteArray m_tpdu;
-    int m_partNumber = 1;
-    int m_partCount = 1;
+    QSharedDataPointer<PduData> d;
 };
 
 // Builds the SMS-SUBMIT PDUs for `text` to `recipient`: one PDU when the
@@ -216,3 +303,8 @@ ZELMODEMSLIB_EXPORT QString explainStatusReport(const QString& hexPdu, bool with
 // addressing, national language shift tables, special message indication;
 // other elements by name (or as unknown) with their octets in hexadecimal.
 ZELMODEMSLIB_EXPORT QString explainUserDataHeader(const QByteArray& header);
+
+} // namespace zelmodems
+
+// The toolkit's class under its earlier global name.
+using PDU = zelmodems::PDU;

@@ -6,7 +6,10 @@ list(APPEND ZML_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder_p.h
     ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/smspduencoder.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/pdu.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/pdu_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/pdu.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/pdusubmit.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/pduexplain.cpp)
 list(APPEND ZML_PUBLIC_HEADERS
     ${CMAKE_CURRENT_LIST_DIR}/smspart.h
     ${CMAKE_CURRENT_LIST_DIR}/sms.h

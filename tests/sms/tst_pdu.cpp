@@ -106,27 +106,27 @@ void TestPdu::knownSubmits()
     QFETCH(int, length);
 
     PDU::SubmitOptions options;
-    options.validityMinutes = validity;
-    options.statusReport = statusReport;
-    options.numberType = PDU::NumberType(numberType);
-    options.serviceCentre = serviceCentre;
+    options.setValidityMinutes(validity);
+    options.setStatusReport(statusReport);
+    options.setNumberType(PDU::NumberType(numberType));
+    options.setServiceCentre(serviceCentre);
     QString error = QStringLiteral("not cleared");
-    const QList<PDU> pdus = encodeSmsSubmit(recipient, text, options, &error);
+    const QList<PDU> pdus = zelmodems::encodeSmsSubmit(recipient, text, options, &error);
     QCOMPARE(error, QString());
     QCOMPARE(pdus.size(), 1);
     QCOMPARE(pdus.at(0).toHex(), hex);
     QCOMPARE(pdus.at(0).tpduLength(), length);
 
-    const PDU::Submit back = decodeSmsSubmit(pdus.at(0).toHex());
-    QVERIFY2(back.valid, qPrintable(back.error));
-    QCOMPARE(back.text, text);
-    QCOMPARE(back.statusReport, statusReport);
-    QCOMPARE(back.validityMinutes, validity);
-    QVERIFY(back.header.isEmpty());
+    const PDU::Submit back = zelmodems::decodeSmsSubmit(pdus.at(0).toHex());
+    QVERIFY2(back.valid(), qPrintable(back.error()));
+    QCOMPARE(back.text(), text);
+    QCOMPARE(back.statusReport(), statusReport);
+    QCOMPARE(back.validityMinutes(), validity);
+    QVERIFY(back.header().isEmpty());
     // The same TPDU without the service-centre part.
-    const PDU::Submit bare = decodeSmsSubmit(QString::fromLatin1(pdus.at(0).tpdu().toHex()), false);
-    QCOMPARE(bare.text, text);
-    QCOMPARE(bare.recipient, back.recipient);
+    const PDU::Submit bare = zelmodems::decodeSmsSubmit(QString::fromLatin1(pdus.at(0).tpdu().toHex()), false);
+    QCOMPARE(bare.text(), text);
+    QCOMPARE(bare.recipient(), back.recipient());
 }
 
 void TestPdu::splitting_data()
@@ -163,9 +163,9 @@ void TestPdu::splitting()
     QFETCH(bool, ucs2);
 
     PDU::SubmitOptions options;
-    options.reference16Bit = reference16;
-    options.concatReference = 0x1234;
-    const QList<PDU> pdus = encodeSmsSubmit("+79161234567", text, options);
+    options.setReference16Bit(reference16);
+    options.setConcatReference(0x1234);
+    const QList<PDU> pdus = zelmodems::encodeSmsSubmit("+79161234567", text, options);
     QCOMPARE(pdus.size(), partSizes.size());
 
     int pos = 0;
@@ -174,19 +174,19 @@ void TestPdu::splitting()
         QCOMPARE(pdu.partNumber(), i + 1);
         QCOMPARE(pdu.partCount(), pdus.size());
         QVERIFY(userDataOctets(pdu) <= 140);
-        const PDU::Submit submit = decodeSmsSubmit(pdu.toHex());
-        QVERIFY2(submit.valid, qPrintable(submit.error));
-        QCOMPARE(submit.alphabet, ucs2 ? PDU::Ucs2Alphabet : PDU::Gsm7Alphabet);
+        const PDU::Submit submit = zelmodems::decodeSmsSubmit(pdu.toHex());
+        QVERIFY2(submit.valid(), qPrintable(submit.error()));
+        QCOMPARE(submit.alphabet(), ucs2 ? PDU::Ucs2Alphabet : PDU::Gsm7Alphabet);
         if (pdus.size() > 1) {
-            QCOMPARE(submit.header.size(), reference16 ? 7 : 6);
-            QCOMPARE(submit.concatReference, reference16 ? 0x1234 : 0x34);
-            QCOMPARE(submit.partNumber, i + 1);
-            QCOMPARE(submit.partCount, pdus.size());
+            QCOMPARE(submit.header().size(), reference16 ? 7 : 6);
+            QCOMPARE(submit.concatReference(), reference16 ? 0x1234 : 0x34);
+            QCOMPARE(submit.partNumber(), i + 1);
+            QCOMPARE(submit.partCount(), pdus.size());
         }
-        const int size = ucs2 ? submit.text.size() : PDU::gsm7Length(submit.text);
+        const int size = ucs2 ? submit.text().size() : PDU::gsm7Length(submit.text());
         QCOMPARE(size, partSizes.at(i));
-        QCOMPARE(submit.text, text.mid(pos, submit.text.size()));
-        pos += submit.text.size();
+        QCOMPARE(submit.text(), text.mid(pos, submit.text().size()));
+        pos += submit.text().size();
     }
     QCOMPARE(pos, text.size());
 }
@@ -220,22 +220,22 @@ void TestPdu::rejects()
     QFETCH(QString, error);
 
     PDU::SubmitOptions options;
-    options.alphabet = PDU::Alphabet(alphabet);
+    options.setAlphabet(PDU::Alphabet(alphabet));
     QString message;
-    QVERIFY(encodeSmsSubmit(recipient, text, options, &message).isEmpty());
+    QVERIFY(zelmodems::encodeSmsSubmit(recipient, text, options, &message).isEmpty());
     QCOMPARE(message, error);
     // Without an error pointer it just gives nothing.
-    QVERIFY(encodeSmsSubmit(recipient, text, options).isEmpty());
+    QVERIFY(zelmodems::encodeSmsSubmit(recipient, text, options).isEmpty());
 }
 
 void TestPdu::referencesCount()
 {
     // Without a given reference each long message gets the next one.
     const QString text(200, QLatin1Char('r'));
-    const PDU::Submit a = decodeSmsSubmit(encodeSmsSubmit("+7916", text).at(0).toHex());
-    const PDU::Submit b = decodeSmsSubmit(encodeSmsSubmit("+7916", text).at(0).toHex());
-    QVERIFY(a.concatReference >= 0 && a.concatReference <= 0xFF);
-    QCOMPARE(b.concatReference, (a.concatReference + 1) & 0xFF);
+    const PDU::Submit a = zelmodems::decodeSmsSubmit(zelmodems::encodeSmsSubmit("+7916", text).at(0).toHex());
+    const PDU::Submit b = zelmodems::decodeSmsSubmit(zelmodems::encodeSmsSubmit("+7916", text).at(0).toHex());
+    QVERIFY(a.concatReference() >= 0 && a.concatReference() <= 0xFF);
+    QCOMPARE(b.concatReference(), (a.concatReference() + 1) & 0xFF);
 }
 
 void TestPdu::gsm7Alphabet()
@@ -380,11 +380,11 @@ void TestPdu::explainStatusReport()
     QFETCH(QString, pdu);
     QFETCH(bool, withServiceCentre);
     QFETCH(QString, explanation);
-    QCOMPARE(::explainStatusReport(pdu, withServiceCentre), explanation);
+    QCOMPARE(zelmodems::explainStatusReport(pdu, withServiceCentre), explanation);
     // A report cut anywhere is refused, never read as a shorter one.
-    if (decodeStatusReport(pdu, withServiceCentre).valid)
+    if (zelmodems::decodeStatusReport(pdu, withServiceCentre).valid())
         for (int length = 0; length < pdu.size(); length += 2)
-            QVERIFY(!decodeStatusReport(pdu.left(length), withServiceCentre).valid);
+            QVERIFY(!zelmodems::decodeStatusReport(pdu.left(length), withServiceCentre).valid());
 }
 
 void TestPdu::explainUserDataHeader_data()
@@ -440,7 +440,7 @@ void TestPdu::explainUserDataHeader()
 {
     QFETCH(QByteArray, header);
     QFETCH(QString, explanation);
-    QCOMPARE(::explainUserDataHeader(header), explanation);
+    QCOMPARE(zelmodems::explainUserDataHeader(header), explanation);
 }
 
 QJsonObject TestPdu::runPeer(const QJsonObject& request, bool* skipped)
@@ -495,11 +495,11 @@ void TestPdu::peerDecodesGeneratedSubmits()
     QList<QList<PDU>> generated;
     for (const Case& c : cases) {
         PDU::SubmitOptions options;
-        options.reference16Bit = c.reference16;
-        options.statusReport = c.statusReport;
-        options.validityMinutes = c.validity;
-        options.numberType = c.type;
-        generated << encodeSmsSubmit(c.number, c.text, options);
+        options.setReference16Bit(c.reference16);
+        options.setStatusReport(c.statusReport);
+        options.setValidityMinutes(c.validity);
+        options.setNumberType(c.type);
+        generated << zelmodems::encodeSmsSubmit(c.number, c.text, options);
         QJsonArray hexes;
         for (const PDU& pdu : generated.last())
             hexes << pdu.toHex();
@@ -534,7 +534,7 @@ void TestPdu::peerDecodesGeneratedSubmits()
                 QCOMPARE(udh.value("all").toInt(), pdus.size());
                 QCOMPARE(udh.value("part").toInt(), p + 1);
                 QCOMPARE(udh.value(c.reference16 ? "id16" : "id8").toInt(),
-                         decodeSmsSubmit(pdus.at(p).toHex()).concatReference);
+                         zelmodems::decodeSmsSubmit(pdus.at(p).toHex()).concatReference());
             }
         }
         QCOMPARE(message.value("text").toString(), c.text);
@@ -569,17 +569,17 @@ void TestPdu::peerStatusReportsAreExplained()
         QCOMPARE(peer.value("type").toString(), QStringLiteral("Status_Report"));
         QCOMPARE(peer.value("status").toInt(), std::get<2>(cases.at(i)));
         // ...and the toolkit agrees with gammu.
-        const PDU::StatusReport report = decodeStatusReport(hex);
-        QVERIFY2(report.valid, qPrintable(report.error));
-        QCOMPARE(report.recipient, peer.value("number").toString());
-        QCOMPARE(report.status, peer.value("status").toInt());
-        QCOMPARE(report.messageReference, peer.value("reference").toInt());
-        QCOMPARE(report.serviceCentreTime.toString("yyyy-MM-ddTHH:mm:ss"), QStringLiteral("2021-05-11T13:12:16"));
-        QCOMPARE(report.dischargeTime.toString("yyyy-MM-ddTHH:mm:ss"), QStringLiteral("2021-05-11T13:12:20"));
+        const PDU::StatusReport report = zelmodems::decodeStatusReport(hex);
+        QVERIFY2(report.valid(), qPrintable(report.error()));
+        QCOMPARE(report.recipient(), peer.value("number").toString());
+        QCOMPARE(report.status(), peer.value("status").toInt());
+        QCOMPARE(report.messageReference(), peer.value("reference").toInt());
+        QCOMPARE(report.serviceCentreTime().toString("yyyy-MM-ddTHH:mm:ss"), QStringLiteral("2021-05-11T13:12:16"));
+        QCOMPARE(report.dischargeTime().toString("yyyy-MM-ddTHH:mm:ss"), QStringLiteral("2021-05-11T13:12:20"));
 
-        const QString explanation = ::explainStatusReport(hex);
-        QVERIFY2(explanation.contains("  Recipient: " + report.recipient + " ("), qPrintable(explanation));
-        QVERIFY2(explanation.endsWith(PDU::statusMeaning(report.status)), qPrintable(explanation));
+        const QString explanation = zelmodems::explainStatusReport(hex);
+        QVERIFY2(explanation.contains("  Recipient: " + report.recipient() + " ("), qPrintable(explanation));
+        QVERIFY2(explanation.endsWith(PDU::statusMeaning(report.status())), qPrintable(explanation));
     }
 }
 

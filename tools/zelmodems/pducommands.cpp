@@ -70,60 +70,60 @@ void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
 
 void explainSubmit(const QString& hex, bool withServiceCentre, Report& report)
 {
-    const PDU::Submit submit = decodeSmsSubmit(hex, withServiceCentre);
+    const PDU::Submit submit = zelmodems::decodeSmsSubmit(hex, withServiceCentre);
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("type"), QStringLiteral("SMS-SUBMIT"));
-    if (!submit.valid) {
-        report.fail(QStringLiteral("invalid SMS-SUBMIT: %1").arg(submit.error));
+    if (!submit.valid()) {
+        report.fail(QStringLiteral("invalid SMS-SUBMIT: %1").arg(submit.error()));
         return;
     }
     report.line(QStringLiteral("SMS-SUBMIT"));
-    report.line(QStringLiteral("  Message reference: %1").arg(submit.messageReference));
+    report.line(QStringLiteral("  Message reference: %1").arg(submit.messageReference()));
     report.line(QStringLiteral("  Recipient: %1 (type of address 0x%2)")
-                    .arg(submit.recipient)
-                    .arg(submit.recipientType, 2, 16, QLatin1Char('0')));
+                    .arg(submit.recipient())
+                    .arg(submit.recipientType(), 2, 16, QLatin1Char('0')));
     report.line(QStringLiteral("  Status report requested: %1")
-                    .arg(submit.statusReport ? QStringLiteral("yes") : QStringLiteral("no")));
-    if (submit.validityMinutes > 0)
-        report.line(QStringLiteral("  Validity: %1 minutes").arg(submit.validityMinutes));
+                    .arg(submit.statusReport() ? QStringLiteral("yes") : QStringLiteral("no")));
+    if (submit.validityMinutes() > 0)
+        report.line(QStringLiteral("  Validity: %1 minutes").arg(submit.validityMinutes()));
     report.line(QStringLiteral("  Data coding scheme: 0x%1 (%2)")
-                    .arg(submit.dataCodingScheme, 2, 16, QLatin1Char('0'))
-                    .arg(alphabetName(submit.alphabet)));
-    if (!submit.header.isEmpty()) {
-        for (const QString& l : indented(explainUserDataHeader(submit.header)))
+                    .arg(submit.dataCodingScheme(), 2, 16, QLatin1Char('0'))
+                    .arg(alphabetName(submit.alphabet())));
+    if (!submit.header().isEmpty()) {
+        for (const QString& l : indented(zelmodems::explainUserDataHeader(submit.header())))
             report.line(QStringLiteral("  ") + l);
     }
-    if (submit.partCount > 1)
-        report.line(QStringLiteral("  Part %1 of %2").arg(submit.partNumber).arg(submit.partCount));
-    report.line(QStringLiteral("  Text: %1").arg(submit.text));
-    json.insert(QStringLiteral("messageReference"), submit.messageReference);
-    json.insert(QStringLiteral("recipient"), submit.recipient);
-    json.insert(QStringLiteral("recipientType"), submit.recipientType);
-    json.insert(QStringLiteral("statusReport"), submit.statusReport);
-    json.insert(QStringLiteral("validityMinutes"), submit.validityMinutes);
-    json.insert(QStringLiteral("dataCodingScheme"), submit.dataCodingScheme);
-    json.insert(QStringLiteral("alphabet"), alphabetName(submit.alphabet));
-    json.insert(QStringLiteral("partNumber"), submit.partNumber);
-    json.insert(QStringLiteral("partCount"), submit.partCount);
-    json.insert(QStringLiteral("text"), submit.text);
+    if (submit.partCount() > 1)
+        report.line(QStringLiteral("  Part %1 of %2").arg(submit.partNumber()).arg(submit.partCount()));
+    report.line(QStringLiteral("  Text: %1").arg(submit.text()));
+    json.insert(QStringLiteral("messageReference"), submit.messageReference());
+    json.insert(QStringLiteral("recipient"), submit.recipient());
+    json.insert(QStringLiteral("recipientType"), submit.recipientType());
+    json.insert(QStringLiteral("statusReport"), submit.statusReport());
+    json.insert(QStringLiteral("validityMinutes"), submit.validityMinutes());
+    json.insert(QStringLiteral("dataCodingScheme"), submit.dataCodingScheme());
+    json.insert(QStringLiteral("alphabet"), alphabetName(submit.alphabet()));
+    json.insert(QStringLiteral("partNumber"), submit.partNumber());
+    json.insert(QStringLiteral("partCount"), submit.partCount());
+    json.insert(QStringLiteral("text"), submit.text());
 }
 
 void explainStatus(const QString& hex, bool withServiceCentre, Report& report)
 {
-    const PDU::StatusReport status = decodeStatusReport(hex, withServiceCentre);
+    const PDU::StatusReport status = zelmodems::decodeStatusReport(hex, withServiceCentre);
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("type"), QStringLiteral("SMS-STATUS-REPORT"));
-    if (!status.valid) {
-        report.fail(QStringLiteral("invalid SMS-STATUS-REPORT: %1").arg(status.error));
+    if (!status.valid()) {
+        report.fail(QStringLiteral("invalid SMS-STATUS-REPORT: %1").arg(status.error()));
         return;
     }
-    report.lines(indented(explainStatusReport(hex, withServiceCentre)));
-    json.insert(QStringLiteral("messageReference"), status.messageReference);
-    json.insert(QStringLiteral("recipient"), status.recipient);
-    json.insert(QStringLiteral("serviceCentreTime"), status.serviceCentreTime.toString(Qt::ISODate));
-    json.insert(QStringLiteral("dischargeTime"), status.dischargeTime.toString(Qt::ISODate));
-    json.insert(QStringLiteral("status"), status.status);
-    json.insert(QStringLiteral("meaning"), PDU::statusMeaning(status.status));
+    report.lines(indented(zelmodems::explainStatusReport(hex, withServiceCentre)));
+    json.insert(QStringLiteral("messageReference"), status.messageReference());
+    json.insert(QStringLiteral("recipient"), status.recipient());
+    json.insert(QStringLiteral("serviceCentreTime"), status.serviceCentreTime().toString(Qt::ISODate));
+    json.insert(QStringLiteral("dischargeTime"), status.dischargeTime().toString(Qt::ISODate));
+    json.insert(QStringLiteral("status"), status.status());
+    json.insert(QStringLiteral("meaning"), PDU::statusMeaning(status.status()));
 }
 
 } // namespace
@@ -167,43 +167,43 @@ Report pduEncode(const QStringList& args)
     PDU::SubmitOptions options;
     const QString alphabet = cl.value(ALPHABET).toLower();
     if (alphabet == QLatin1String("auto"))
-        options.alphabet = PDU::AutoAlphabet;
+        options.setAlphabet(PDU::AutoAlphabet);
     else if (alphabet == QLatin1String("gsm7"))
-        options.alphabet = PDU::Gsm7Alphabet;
+        options.setAlphabet(PDU::Gsm7Alphabet);
     else if (alphabet == QLatin1String("8bit"))
-        options.alphabet = PDU::EightBitAlphabet;
+        options.setAlphabet(PDU::EightBitAlphabet);
     else if (alphabet == QLatin1String("ucs2"))
-        options.alphabet = PDU::Ucs2Alphabet;
+        options.setAlphabet(PDU::Ucs2Alphabet);
     else {
         report.fail(QStringLiteral("--alphabet takes auto, gsm7, 8bit or ucs2, not \"%1\"").arg(cl.value(ALPHABET)),
                     Report::UsageError);
         return report;
     }
     if (cl.isSet(NATIONAL))
-        options.numberType = PDU::NationalNumber;
-    options.statusReport = cl.isSet(REPORT);
+        options.setNumberType(PDU::NationalNumber);
+    options.setStatusReport(cl.isSet(REPORT));
     if (cl.isSet(VALIDITY)) {
         bool ok = false;
-        options.validityMinutes = cl.value(VALIDITY).toInt(&ok);
-        if (!ok || options.validityMinutes <= 0) {
+        options.setValidityMinutes(cl.value(VALIDITY).toInt(&ok));
+        if (!ok || options.validityMinutes() <= 0) {
             report.fail(QStringLiteral("--validity takes a positive number of minutes"), Report::UsageError);
             return report;
         }
     }
     if (cl.isSet(REFERENCE)) {
         bool ok = false;
-        options.concatReference = cl.value(REFERENCE).toInt(&ok);
+        options.setConcatReference(cl.value(REFERENCE).toInt(&ok));
         const int limit = cl.isSet(REF16) ? 65535 : 255;
-        if (!ok || options.concatReference < 0 || options.concatReference > limit) {
+        if (!ok || options.concatReference() < 0 || options.concatReference() > limit) {
             report.fail(QStringLiteral("--reference takes a number from 0 to %1").arg(limit), Report::UsageError);
             return report;
         }
     }
-    options.reference16Bit = cl.isSet(REF16);
-    options.serviceCentre = cl.value(SMSC);
+    options.setReference16Bit(cl.isSet(REF16));
+    options.setServiceCentre(cl.value(SMSC));
 
     QString error;
-    const QList<PDU> pdus = encodeSmsSubmit(cl.positional(0), cl.positional(1), options, &error);
+    const QList<PDU> pdus = zelmodems::encodeSmsSubmit(cl.positional(0), cl.positional(1), options, &error);
     if (pdus.isEmpty()) {
         report.fail(QStringLiteral("cannot encode the message: %1").arg(error));
         return report;
@@ -249,7 +249,7 @@ Report pduExplain(const QStringList& args)
     }
     const QByteArray octets = QByteArray::fromHex(hex.toLatin1());
     if (cl.isSet(UDH)) {
-        const QString text = explainUserDataHeader(octets);
+        const QString text = zelmodems::explainUserDataHeader(octets);
         report.lines(indented(text));
         report.json().insert(QStringLiteral("type"), QStringLiteral("user data header"));
         report.json().insert(QStringLiteral("explanation"), text);
