@@ -1,6 +1,10 @@
 # The AT command transport: the modem driver, its command table and dialects.
 list(APPEND ZML_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/atmodem_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/atmodemdialect.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/atmodemqueries.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/atmodemmessages.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.h

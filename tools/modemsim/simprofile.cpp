@@ -1,3 +1,4 @@
+// The makes the simulator plays and their answers.
 #include "simprofile.h"
 
 #include <QStringList>
