@@ -8,7 +8,7 @@
 //   the same JSON alone (the floor: what the table's own work adds to it).
 #include "benchutil.h"
 
-#include "crc.h"
+#include "crc_p.h"
 #include "modemsettings.h"
 #include "pdu.h"
 #include "smspduencoder.h"

@@ -11,7 +11,7 @@
 #include "modeminfo.h"
 #include "modemsfinder.h"
 #include "portcatalogue.h"
-#include "portprobe.h"
+#include "portprobe_p.h"
 #include "simmodem.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,5 @@
 #include "zelmodemslib.h"
+#include "zelmodemslib_version.h"
 
 #include <qt5ext/appversionmanager.h>
 
@@ -7,7 +8,7 @@
 
 namespace {
 const char* const LIBRARY_KEY = "zelmodemslib";
-const char* const LIBRARY_VERSION = "5.0.28";
+const char* const LIBRARY_VERSION = ZELMODEMSLIB_VERSION_STR;
 }
 
 // Order of definition is the order of construction: the version first, then

@@ -1,4 +1,4 @@
-#include "atdialect.h"
+#include "atdialect_p.h"
 #include "atmodem.h"
 
 namespace AT {

@@ -2,9 +2,9 @@
 // Shared by the modem driver's files: the includes, the fixed commands and
 // time-outs of the dialogue, and the small text helpers of the answers.
 #include "atmodem.h"
-#include "atdialect.h"
+#include "atdialect_p.h"
 #include "atinput.h"
-#include "atmodemlog.h"
+#include "atmodemlog_p.h"
 #include "sms.h"
 #include "smspduencoder.h"
 

@@ -1,7 +1,4 @@
-#include "atmodemlog.h"
+// The driver's logging category.
+#include "atmodemlog_p.h"
 
-const QLoggingCategory& AT_MODEM()
-{
-    static const QLoggingCategory category("atmodem");
-    return category;
-}
+Q_LOGGING_CATEGORY(AT_MODEM, "atmodem")

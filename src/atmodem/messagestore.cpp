@@ -2,7 +2,7 @@
 #include "messagestore.h"
 
 #include "atmodem.h"
-#include "atmodemlog.h"
+#include "atmodemlog_p.h"
 
 #include <QCoreApplication>
 

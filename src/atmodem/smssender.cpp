@@ -3,7 +3,7 @@
 
 #include "atinput.h"
 #include "atmodem.h"
-#include "atmodemlog.h"
+#include "atmodemlog_p.h"
 #include "pdu.h"
 
 #include <QCoreApplication>

@@ -1,19 +1,19 @@
-# The AT command transport: the modem driver, its command table and dialects.
-list(APPEND ZML_SOURCES
+# The AT command transport and the modem driver; the SMS store and sending.
+target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atmodem_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atmodemdialect.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atmodemqueries.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atmodemmessages.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.h
+    ${CMAKE_CURRENT_LIST_DIR}/atmodemlog_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/atdialect.h
+    ${CMAKE_CURRENT_LIST_DIR}/atdialect_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp
     ${CMAKE_CURRENT_LIST_DIR}/storedpdu.cpp
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
     ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp)
-list(APPEND ZML_PUBLIC_HEADERS
+zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
     ${CMAKE_CURRENT_LIST_DIR}/atcommands.h
     ${CMAKE_CURRENT_LIST_DIR}/storedpdu.h

@@ -1,8 +1,8 @@
-#include "portprobe.h"
+#include "portprobe_p.h"
 
 #include "atmodem.h"
-#include "atmodemlog.h"
-#include "crc.h"
+#include "atmodemlog_p.h"
+#include "crc_p.h"
 #include "modemsettings.h"
 #include "modemsfinder.h"
 #include "operatordata.h"

@@ -2,9 +2,9 @@
 // marked by the udev link "/dev/gsmmodem".
 #include "modemsfinder.h"
 
-#include "atmodemlog.h"
+#include "atmodemlog_p.h"
 #include "portcatalogue.h"
-#include "portprobe.h"
+#include "portprobe_p.h"
 
 #include <qt5ext/logformat.h>
 

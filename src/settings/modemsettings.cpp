@@ -1,5 +1,5 @@
 #include "modemsettings.h"
-#include "settingslog.h"
+#include "settingslog_p.h"
 
 #include <qt5ext/logformat.h>
 

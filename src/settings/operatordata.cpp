@@ -1,5 +1,5 @@
 #include "operatordata.h"
-#include "settingslog.h"
+#include "settingslog_p.h"
 
 #include <QRegExp>
 #include <QSharedData>

@@ -1,6 +1,6 @@
 # The SMS codec: SMS-DELIVER decoding, messages and parts, the GSM 7-bit
 # packer for USSD, and the PDU toolkit.
-list(APPEND ZML_SOURCES
+target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/smspart.cpp
     ${CMAKE_CURRENT_LIST_DIR}/sms.cpp
     ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder_p.h
@@ -10,7 +10,7 @@ list(APPEND ZML_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/pdu.cpp
     ${CMAKE_CURRENT_LIST_DIR}/pdusubmit.cpp
     ${CMAKE_CURRENT_LIST_DIR}/pduexplain.cpp)
-list(APPEND ZML_PUBLIC_HEADERS
+zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/smspart.h
     ${CMAKE_CURRENT_LIST_DIR}/sms.h
     ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder.h

@@ -1,8 +1,8 @@
 // Recognising a modem's make from its identification text, the dialect
 // texts, the light-weight port test and the Huawei modem-only switch.
 #include "simfixture.h"
-#include "atdialect.h"
-#include "atmodemlog.h"
+#include "atdialect_p.h"
+#include "atmodemlog_p.h"
 
 #include <QTemporaryDir>
 

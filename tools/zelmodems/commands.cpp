@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "zelmodemslib_version.h"
 
 namespace commands {
 
@@ -33,7 +34,7 @@ QString overview()
 {
     QString text = QStringLiteral(
         "Usage: zelmodems <command> [options] [arguments]\n"
-        "Finds modems on serial ports and queries them (ZelModemsLib 5.0.28).\n\n"
+        "Finds modems on serial ports and queries them (ZelModemsLib " ZELMODEMSLIB_VERSION_STR ").\n\n"
         "Commands:\n");
     for (const Entry& entry : table())
         text += QStringLiteral("  %1%2\n").arg(entry.name.leftJustified(14), entry.summary);

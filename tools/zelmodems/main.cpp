@@ -2,6 +2,7 @@
 #include "commands.h"
 #include "console.h"
 #include "declaredports.h"
+#include "zelmodemslib_version.h"
 
 #include <QCoreApplication>
 
@@ -20,7 +21,7 @@ int main(int argc, char** argv)
 
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zelmodems"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("5.0.28"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZELMODEMSLIB_VERSION_STR));
 
     QStringList args = app.arguments().mid(1);
     const QString first = args.value(0);
@@ -30,7 +31,7 @@ int main(int argc, char** argv)
         return 0;
     }
     if (first == QLatin1String("--version")) {
-        Console::out() << "zelmodems 5.0.28\n";
+        Console::out() << "zelmodems " ZELMODEMSLIB_VERSION_STR "\n";
         Console::out().flush();
         return 0;
     }
