@@ -30,7 +30,7 @@ bool AtModem::open(const QString& portName, qint32 baudRate, qint32 attempts)
             << QStringLiteral("Open port %1 on %2. attempt %3").arg(portName).arg(baudRate).arg(attempt);
 
         if (!m_port->isOpen() && !m_port->open(QIODevice::ReadWrite)) {
-            m_lastError = tr("Port opening error: ") + m_port->errorString();
+            m_lastError = tr("Port opening error: %1").arg(m_port->errorString());
             qCCritical(AT_MODEM()).noquote()
                 << serialErrorName(m_port->error()) << logtab << m_port->errorString();
             continue;
@@ -111,7 +111,7 @@ bool AtModem::test(const QString& portName, qint32 baudRate)
         setLine(baudRate);
         return pollAt(2000);
     }
-    m_lastError = tr("Port opening error: ") + m_port->errorString();
+    m_lastError = tr("Port opening error: %1").arg(m_port->errorString());
     qCritical().noquote() << m_port->errorString();
     qCCritical(AT_MODEM()).noquote() << m_port->errorString();
     return false;

@@ -47,13 +47,13 @@ bool AtModem::getMnc(int& mcc, int& mnc)
     const QString mccText = imsi.left(3);
     mcc = mccText.toInt(&ok, 10);
     if (!ok) {
-        m_lastError = tr("Wrong mcc ") + mccText;
+        m_lastError = tr("Wrong mcc %1").arg(mccText);
         return false;
     }
     const QString mncText = imsi.mid(3, 2);
     mnc = mncText.toInt(&ok, 10);
     if (!ok) {
-        m_lastError = tr("Wrong mnc") + mncText;
+        m_lastError = tr("Wrong mnc%1").arg(mncText);
         return false;
     }
     return true;

@@ -4,12 +4,12 @@
 <context>
     <name>AtModem</name>
     <message>
-        <source>Wrong mcc </source>
-        <translation>Неверный mcc </translation>
+        <source>Wrong mcc %1</source>
+        <translation>Неверный mcc %1</translation>
     </message>
     <message>
-        <source>Wrong mnc</source>
-        <translation>Неверный mnc</translation>
+        <source>Wrong mnc%1</source>
+        <translation>Неверный mnc%1</translation>
     </message>
     <message>
         <source>Operator</source>
@@ -28,8 +28,8 @@
         <translation>минус</translation>
     </message>
     <message>
-        <source>Port opening error: </source>
-        <translation>Ошибка открытия порта: </translation>
+        <source>Port opening error: %1</source>
+        <translation>Ошибка открытия порта: %1</translation>
     </message>
     <message>
         <source>Modem is offline pn port %1</source>

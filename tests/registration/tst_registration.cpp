@@ -80,7 +80,7 @@ private slots:
 
         QTest::newRow("finder, no devices") << "ModemsFinder" << "There no devices finded" << "Устройства не найдены";
         // The blank at the end is part of the text.
-        QTest::newRow("modem, wrong mcc") << "AtModem" << "Wrong mcc " << "Неверный mcc ";
+        QTest::newRow("modem, wrong mcc") << "AtModem" << "Wrong mcc %1" << "Неверный mcc %1";
         QTest::newRow("modem, error") << "AtModem" << "Modem said \"ERROR\"" << "Модем ответил \"ERROR\"";
         QTest::newRow("loader, unknown error") << "QObject" << "Unknown error" << "Неизвестная ошибка";
         QTest::newRow("decoder") << "SmsPduDecoder" << "Error reading address type %1." << "Ошибка чтения типа адреса %1.";
