@@ -199,6 +199,10 @@ private:
     // port holds (up to ten reads of 1024 bytes, 100 ms apart) appended.
     void waitForUssd(int attempt, QByteArray& buffer);
 
+    // These data members, their types and their order are the class's
+    // layout, part of libzelmodemslib.so.5's binary interface: programs
+    // built against any 5.x allocate AtModem with this size. Never add,
+    // remove or reorder them within version 5.
     QPointer<QSerialPort> m_port;
     qint32 m_pollTimeout = 1000;
     QString m_name;

@@ -64,6 +64,10 @@ private slots:
 private:
     void prepareUsbModems();
 
+    // These data members, their types and their order are the class's
+    // layout, part of libzelmodemslib.so.5's binary interface: programs
+    // built against any 5.x allocate ModemsFinder with this size. Never add,
+    // remove or reorder them within version 5.
     QMap<QString, QPointer<QFutureWatcher<ModemInfo>>> watchers;
     QList<ModemInfo> m_modems;
 };
