@@ -14,6 +14,9 @@ namespace zelmodems {
 namespace {
 
 const int SHORT_TIMEOUT_MS = 1000;
+// The "> " prompt is no result code, so its command always runs to this
+// time-out; modems prompt within a few tens of milliseconds.
+const int PROMPT_TIMEOUT_MS = 500;
 
 QString tr(const char* text)
 {
@@ -124,9 +127,7 @@ bool SmsSender::send(const QString& number, const QString& text)
     for (int i = 0; i < parts.size(); ++i) {
         const PDU& part = parts.at(i);
         const int number1 = i + 1;
-        // The prompt "> " is no result code: the command ends by its time-out
-        // with the prompt in the answer.
-        d->modem->sendCommand("+CMGS=" + QByteArray::number(part.tpduLength()), answer, SHORT_TIMEOUT_MS);
+        d->modem->sendCommand("+CMGS=" + QByteArray::number(part.tpduLength()), answer, PROMPT_TIMEOUT_MS);
         if (!answer.contains('>'))
             return d->fail(tr("part %1 of %2: the modem gave no prompt for the PDU: %3%4")
                                .arg(number1).arg(parts.size())

@@ -1,11 +1,15 @@
-// The SMS store read without being emptied: the listing parser on real and
-// broken listings, and list/remove against the simulated modem.
+// The SMS store read without being emptied (the listing parser on real and
+// broken listings, list/read/remove against the simulated modem), and
+// sending in PDU mode, confirmed part by part.
 #include "messagestore.h"
+#include "pdu.h"
 #include "simfixture.h"
+#include "smssender.h"
 
 #include <QElapsedTimer>
 
 using zelmodems::MessageStore;
+using zelmodems::SmsSender;
 using zelmodems::StoredPdu;
 
 namespace {
@@ -129,10 +133,60 @@ private slots:
         QVERIFY(!store.remove(2));   // gone already: the modem's refusal is the reason
         QVERIFY2(store.lastError().contains(QLatin1String("+CMS ERROR: 321")), qPrintable(store.lastError()));
 
+        StoredPdu entry;
+        sim.storeSms(PDU_B, 0, 5);
+        QVERIFY2(store.read(5, entry), qPrintable(store.lastError()));
+        QCOMPARE(entry.pdu(), QString::fromLatin1(PDU_B));
+        QCOMPARE(entry.status(), StoredPdu::Unread);
+        QCOMPARE(entry.storage(), QStringLiteral("SM"));
+        QVERIFY(!store.read(2, entry));
+
         sim.clearLog();
         QVERIFY(!store.remove(-1));
         QVERIFY(!store.remove(MessageStore::MaxIndex + 1));
         QVERIFY(sim.commands().isEmpty());   // refused indexes are never sent
+    }
+
+    void sendConfirmsEveryPart_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("confirmed");
+        QTest::addColumn<int>("parts");
+        QTest::newRow("Cyrillic, one part") << QString::fromUtf8("Привет, роутер") << true << 1;
+        QTest::newRow("400 characters, three parts") << QString(400, QLatin1Char('x')) << true << 3;
+        QTest::newRow("no confirmation") << QStringLiteral("hello") << false << 1;
+        QTest::newRow("Ctrl-Z in the text") << QStringLiteral("hello\x1a" "AT+CFUN=0\r") << false << 0;
+    }
+
+    void sendConfirmsEveryPart()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, confirmed);
+        QFETCH(int, parts);
+        zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
+        AtModem modem(nullptr);
+        QVERIFY(zmltest::startAndOpen(sim, modem));
+        sim.setSmsConfirmation(confirmed);
+        SmsSender sender(&modem);
+        sender.setConfirmTimeout(300);
+
+        QCOMPARE(sender.send(QStringLiteral("+79161234567"), text), confirmed);
+        QCOMPARE(sender.references().size(), confirmed ? parts : 0);
+        const auto sent = sim.sentMessages();
+        QCOMPARE(sent.size(), parts);
+        if (!confirmed) {
+            QVERIFY(!sender.lastError().isEmpty());
+            QCOMPARE(sender.unconfirmed(), parts > 0);   // sent but unconfirmed, or refused unsent
+            return;
+        }
+        QString joined;
+        for (const auto& message : sent) {
+            const PDU::Submit submit = zelmodems::decodeSmsSubmit(QString::fromLatin1(message.second));
+            QVERIFY2(submit.valid(), qPrintable(submit.error()));
+            QCOMPARE(submit.recipient(), QStringLiteral("+79161234567"));
+            joined += submit.text();
+        }
+        QCOMPARE(joined, text);
     }
 };
 

@@ -63,6 +63,7 @@ struct SimModem::Private
     QList<QByteArray> ussdRequests;
     QMap<int, StoredSms> sms;
     int smsListLimit = -1;
+    bool smsConfirm = true;              // the network confirms a sent message
 
     // Owned by the modem's thread.
     int master = -1;
@@ -445,6 +446,12 @@ qint32 SimModem::lineSpeed() const
     return result;
 }
 
+void SimModem::setSmsConfirmation(bool on)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->smsConfirm = on;
+}
+
 QList<QPair<QByteArray, QByteArray>> SimModem::sentMessages() const
 {
     std::lock_guard<std::mutex> lock(d->mutex);
@@ -617,12 +624,15 @@ void SimModem::Private::feed(const QByteArray& data)
                 record(smsText + c);
                 if (c == 0x1a) {
                     int reference;
+                    bool confirm;
                     {
                         std::lock_guard<std::mutex> lock(mutex);
                         sent.append(qMakePair(smsNumber, smsText));
                         reference = sent.size();
+                        confirm = smsConfirm;
                     }
-                    send(Reply::ok("+CMGS: " + QByteArray::number(reference)));
+                    if (confirm)
+                        send(Reply::ok("+CMGS: " + QByteArray::number(reference)));
                 } else {
                     send(Reply::ok());
                 }
@@ -784,9 +794,29 @@ Reply SimModem::Private::builtin(const QByteArray& command)
             return Reply::ok();
         return Reply::raw("\r\n+CMS ERROR: 321\r\n");   // invalid memory index
     }
-    if (key.startsWith("+CMGS=") && textMode == 1) {
+    if (key == "+CPMS?") {
+        const QByteArray used = QByteArray::number(sms.size());
+        return Reply::ok("+CPMS: \"SM\"," + used + ",30,\"SM\"," + used + ",30,\"SM\"," + used + ",30");
+    }
+    if (key.startsWith("+CMGR=")) {
+        bool ok = false;
+        const int index = key.mid(6).trimmed().toInt(&ok);
+        auto it = sms.find(index);
+        if (!ok || it == sms.end() || textMode == 1)
+            return Reply::raw("\r\n+CMS ERROR: 321\r\n");
+        const QByteArray octets = QByteArray::fromHex(it->pdu);
+        const int smscLength = octets.isEmpty() ? 0 : uchar(octets.at(0)) + 1;
+        const QByteArray line = "+CMGR: " + QByteArray::number(it->status) + ",,"
+                              + QByteArray::number(qMax(0, octets.size() - smscLength)) + "\r\n" + it->pdu;
+        if (it->status == 0)
+            it->status = 1;
+        return Reply::ok(line);
+    }
+    if (key.startsWith("+CMGS=")) {
+        // Text mode: the number follows; PDU mode: the TPDU length, and the
+        // text is the PDU in hexadecimal (recorded with an empty number).
         smsPrompt = true;
-        smsNumber = command.mid(6);
+        smsNumber = textMode == 1 ? command.mid(6) : QByteArray();
         smsText.clear();
         return Reply::raw("\r\n> ");
     }

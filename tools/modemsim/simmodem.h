@@ -184,8 +184,9 @@ public:
     QByteArray characterSet() const;
 
     // The SMS store, listed in PDU mode by AT+CMGL=<stat> (4: all) as
-    // "+CMGL: <index>,<stat>,,<length>" lines each followed by the PDU, and
-    // emptied by AT+CMGD=<index>. `status` 0 is unread (listing marks it
+    // "+CMGL: <index>,<stat>,,<length>" lines each followed by the PDU, read
+    // one by one with AT+CMGR=<index>, counted by AT+CPMS? (storage "SM",
+    // 30 places), and emptied by AT+CMGD=<index>. `status` 0 is unread (listing marks it
     // read), 1 read. Returns the index: `index`, or the lowest free one
     // from 1. `pduHex` is an SMS-DELIVER PDU with its service-centre part.
     int storeSms(const QByteArray& pduHex, int status = 1, int index = -1);
@@ -200,8 +201,12 @@ public:
     void clearLog();
     // The line speed the client set last (0 before any client).
     qint32 lineSpeed() const;
-    // Messages sent with AT+CMGS in text mode: (number, text).
+    // Messages sent with AT+CMGS: (number, text) in text mode; in PDU mode
+    // (empty, the PDU in hexadecimal as written).
     QList<QPair<QByteArray, QByteArray>> sentMessages() const;
+    // Whether the network confirms a sent message ("+CMGS: <reference>"
+    // and OK, at start); off, the modem takes the text and stays silent.
+    void setSmsConfirmation(bool on);
 
 private:
     struct Private;
