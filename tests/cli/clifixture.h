@@ -47,11 +47,14 @@ inline QProcessEnvironment environment()
     return env;
 }
 
+// `outputFile`: where standard output goes instead (/dev/full, say).
 inline Result run(const QStringList& args, int timeoutMs = 30000,
-                  const QProcessEnvironment& env = environment())
+                  const QProcessEnvironment& env = environment(), const QString& outputFile = QString())
 {
     QProcess process;
     process.setProcessEnvironment(env);
+    if (!outputFile.isEmpty())
+        process.setStandardOutputFile(outputFile);
     process.start(QStringLiteral(ZELMODEMS_PATH), args);
     Result result;
     if (!process.waitForStarted(10000))

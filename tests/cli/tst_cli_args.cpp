@@ -25,7 +25,7 @@ private slots:
         QTest::addColumn<QString>("message");
         QTest::newRow("no command") << QStringList() << "Usage: zelmodems <command>";
         QTest::newRow("unknown command") << QStringList{"bogus"} << "unknown command \"bogus\"";
-        QTest::newRow("sms alone") << QStringList{"sms"} << "sms needs a subcommand: list or send";
+        QTest::newRow("sms alone") << QStringList{"sms"} << "sms needs a subcommand: list, delete, take or send";
         QTest::newRow("unknown sms command") << QStringList{"sms", "read", "ttyS0"} << "unknown command \"sms read\"";
         QTest::newRow("pdu alone") << QStringList{"pdu"} << "pdu needs a subcommand: encode or explain";
         QTest::newRow("no port") << QStringList{"info"} << "zelmodems info: PORT is missing";
@@ -90,7 +90,7 @@ private slots:
         QTest::newRow("balance") << QStringList{"balance"} << "--code <code>";
         QTest::newRow("ussd") << QStringList{"ussd"} << "CODE";
         QTest::newRow("own-number") << QStringList{"own-number"} << "--ussd-reply";
-        QTest::newRow("sms list") << QStringList{"sms", "list"} << "deleted from the\nmodem";
+        QTest::newRow("sms take") << QStringList{"sms", "take"} << "Nothing is\ndeleted when the output";
         QTest::newRow("sms send") << QStringList{"sms", "send"} << "NUMBER TEXT";
         QTest::newRow("pdu encode") << QStringList{"pdu", "encode"} << "--status-report";
         QTest::newRow("pdu explain") << QStringList{"pdu", "explain"} << "--no-smsc";

@@ -1,25 +1,18 @@
-// zelmodems balance, ussd, own-number, sms list and sms send against
+// zelmodems balance, ussd, own-number and the sms commands against
 // simulated modems whose network answers at once.
 #include "clifixture.h"
+#include "pdu.h"
 
 #include <QJsonArray>
 
 using clitest::run;
 using zelmodems::sim::Fault;
+using zelmodems::sim::DeliverPdu;
 using zelmodems::sim::Make;
 using zelmodems::sim::Profile;
 using zelmodems::sim::SimModem;
 using zelmodems::sim::Ussd;
 
-namespace {
-
-// SMS-DELIVER from +79161234567, "Hello", 2022-11-22 17:18:05 +03.
-const QByteArray OLDER = "07919761980614F8040B919761214365F700002211227181502105C8329BFD06";
-// SMS-DELIVER from +79031112233, "Привет" in UCS2, 2023-01-15 10:00:00 +03.
-const QByteArray NEWER = "07919761980614F8" "04" "0B919730112132F3" "00" "08" "32105101000021" "0C"
-                         "041F04400438043204350442";
-
-} // namespace
 
 class TestCliExchange : public QObject
 {
@@ -108,67 +101,113 @@ private slots:
                  none.describe());
     }
 
-    void smsListReadsAndDeletes()
+    void ownNumberBySmsDeletesOnlyTheReply()
     {
         auto modem = clitest::startModem(Make::Cinterion);
         QVERIFY(modem);
-        modem->storeSms(NEWER);
-        modem->storeSms(OLDER);
-        const clitest::Result json = run({"sms", "list", "--json", modem->devicePath()});
-        QVERIFY2(json.exitCode == 0, json.describe());
-        const QJsonArray messages = json.json().value("messages").toArray();
-        QCOMPARE(messages.size(), 2);
-        // Oldest first, whatever the order in the store.
-        QCOMPARE(messages.at(0).toObject().value("sender").toString(), QStringLiteral("+79161234567"));
-        QCOMPARE(messages.at(0).toObject().value("text").toString(), QStringLiteral("Hello"));
-        QCOMPARE(messages.at(1).toObject().value("sender").toString(), QStringLiteral("+79031112233"));
-        QCOMPARE(messages.at(1).toObject().value("text").toString(), QStringLiteral("Привет"));
-        QVERIFY(messages.at(0).toObject().value("dateTime").toString() <
-                messages.at(1).toObject().value("dateTime").toString());
-        // Read means consumed.
-        QVERIFY(modem->storedSms().isEmpty());
-
-        const clitest::Result empty = run({"sms", "list", modem->devicePath()});
-        QCOMPARE(empty.exitCode, 0);
-        QCOMPARE(empty.out, QStringLiteral("No messages.\n"));
-        const clitest::Result emptyJson = run({"sms", "list", "--json", modem->devicePath()});
-        QCOMPARE(emptyJson.json().value("messages").toArray().size(), 0);
-
-        modem->storeSms(OLDER);
-        const clitest::Result text = run({"sms", "list", modem->devicePath()});
-        const QStringList lines = text.out.split('\n');
-        QCOMPARE(lines.value(0), QStringLiteral("1 message(s), deleted from the modem:"));
-        QVERIFY2(lines.value(2).endsWith("  from +79161234567"), text.describe());
-        QCOMPARE(lines.value(3), QStringLiteral("  Hello"));
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        const int kept = modem->storeSms(DeliverPdu::ucs2("+79031112233", now, "Call me at 89031112233"));
+        modem->setUssdSmsReply("*110*10#", DeliverPdu::ucs2("Beeline", now, "Vash nomer 79057654321"));
+        const clitest::Result r = run({"own-number", modem->devicePath(), "--code", "*110*10#", "--sms"});
+        QVERIFY2(r.exitCode == 0, r.describe());
+        QCOMPARE(r.out, QStringLiteral("Own number:   9057654321\n"));
+        QCOMPARE(modem->storedSms().keys(), QList<int>{kept});
     }
 
-    void smsSend()
+    // A store of two long messages from two senders that share a reference,
+    // the lone first half of a third, and a stored outgoing message.
+    std::unique_ptr<SimModem> storeModem()
+    {
+        auto modem = clitest::startModem(Make::Cinterion);
+        if (!modem)
+            return modem;
+        const QDateTime t = QDateTime::currentDateTimeUtc().addSecs(-60);
+        modem->storeSms(DeliverPdu::ucs2("+79161234567", t, "Ключ ", 7, 1, 2));
+        modem->storeSms(DeliverPdu::ucs2("+79031112233", t, "Back ", 7, 1, 2));
+        modem->storeSms(DeliverPdu::ucs2("+79161234567", t, "под ковриком", 7, 2, 2));
+        modem->storeSms(DeliverPdu::ucs2("+79031112233", t, "at 6", 7, 2, 2));
+        modem->storeSms(DeliverPdu::ucs2("+79990000000", t, "first half", 9, 1, 2));
+        modem->storeSms(zelmodems::encodeSmsSubmit("+79161234567", "Outgoing").at(0).toHex().toLatin1(), 3);
+        return modem;
+    }
+
+    void smsListKeepsEverything()
+    {
+        auto modem = storeModem();
+        QVERIFY(modem);
+        const clitest::Result first = run({"sms", "list", "--json", modem->devicePath()});
+        const clitest::Result second = run({"sms", "list", "--json", modem->devicePath()});
+        QVERIFY2(first.exitCode == 0, first.describe());
+        QCOMPARE(second.json().value("messages"), first.json().value("messages"));
+        QStringList seen;
+        for (const QJsonValue& v : first.json().value("messages").toArray()) {
+            const QJsonObject m = v.toObject();
+            seen << QStringLiteral("%1|%2|%3").arg(m.value(m.value("outgoing").toBool() ? "recipient" : "sender").toString(),
+                                                  m.value("text").toString(),
+                                                  m.value("complete").toBool() ? "whole" : "incomplete");
+        }
+        QCOMPARE(seen, (QStringList{"+79161234567|Ключ под ковриком|whole", "+79031112233|Back at 6|whole",
+                                    "+79990000000|first half|incomplete", "+79161234567|Outgoing|whole"}));
+        QCOMPARE(modem->storedSms().size(), 6);
+        for (const QByteArray& command : modem->commands())
+            QVERIFY2(!command.startsWith("+CMGD"), command.constData());
+
+        // A sender's control characters never reach the terminal.
+        modem->storeSms(DeliverPdu::ucs2("+79990000001", QDateTime::currentDateTimeUtc(), "\x1b[2Jgone"));
+        const clitest::Result text = run({"sms", "list", modem->devicePath()});
+        QVERIFY2(text.out.contains("  \\x1b[2Jgone") && !text.out.contains('\x1b'), text.describe());
+    }
+
+    void smsTakeDeletesOnlyWhatItShowed()
+    {
+        auto modem = storeModem();
+        QVERIFY(modem);
+        // Output that cannot be written: nothing is deleted.
+        const clitest::Result full = run({"sms", "take", modem->devicePath()}, 30000, clitest::environment(),
+                                         QStringLiteral("/dev/full"));
+        QCOMPARE(full.exitCode, 1);
+        QVERIFY2(full.err.contains("none was deleted"), full.describe());
+        QCOMPARE(modem->storedSms().size(), 6);
+
+        const clitest::Result taken = run({"sms", "take", modem->devicePath()});
+        QVERIFY2(taken.exitCode == 0, taken.describe());
+        QVERIFY2(taken.out.startsWith("2 message(s), taken from the modem:"), taken.describe());
+        QCOMPARE(modem->storedSms().size(), 2);   // the lone half and the outgoing one stay
+
+        const int left = modem->storedSms().firstKey();
+        const clitest::Result deleted = run({"sms", "delete", modem->devicePath(), QString::number(left), "29"});
+        QCOMPARE(deleted.exitCode, 1);   // 29 was never there: reported, the other deleted
+        QVERIFY2(deleted.out.contains(QStringLiteral("Deleted message %1.").arg(left)), deleted.describe());
+        QVERIFY2(deleted.err.contains("+CMS ERROR: 321"), deleted.describe());
+        QCOMPARE(modem->storedSms().size(), 1);
+    }
+
+    void smsSendConfirmedOrRefused()
     {
         auto modem = clitest::startModem(Make::Cinterion);
         QVERIFY(modem);
         const clitest::Result r =
             run({"sms", "send", "--json", modem->devicePath(), "+79161234567", "Ключ под ковриком"});
         QVERIFY2(r.exitCode == 0, r.describe());
-        QCOMPARE(r.json().value("sent").toBool(), true);
-        QCOMPARE(r.json().value("number").toString(), QStringLiteral("+79161234567"));
-        const auto sent = modem->sentMessages();
-        QCOMPARE(sent.size(), 1);
-        QCOMPARE(sent.at(0).first, QByteArray("+79161234567"));
-        QCOMPARE(QString::fromUtf8(sent.at(0).second), QStringLiteral("Ключ под ковриком"));
+        QCOMPARE(r.json().value("references").toArray().size(), 1);
+        QCOMPARE(modem->sentMessages().size(), 1);
 
-        const clitest::Result text = run({"sms", "send", modem->devicePath(), "+79031112233", "Back at 6"});
-        QVERIFY2(text.exitCode == 0, text.describe());
-        QCOMPARE(text.out, QStringLiteral("Sent to +79031112233.\n"));
-        QCOMPARE(modem->sentMessages().size(), 2);
-        QCOMPARE(modem->sentMessages().at(1).second, QByteArray("Back at 6"));
+        // Injection attempts: refused, and the modem receives nothing at all.
+        modem->clearLog();
+        for (const QStringList& bad : {QStringList{"+79161234567", "hello\x1a" "AT+CFUN=0\r"},
+                                       QStringList{"+7916\rAT+CFUN=0", "hello"}}) {
+            const clitest::Result refused = run(QStringList{"sms", "send", modem->devicePath()} + bad);
+            QCOMPARE(refused.exitCode, 1);
+            QVERIFY2(refused.err.contains("nothing sent"), refused.describe());
+        }
+        QVERIFY(!modem->commands().contains("+CFUN=0"));
+        QCOMPARE(modem->sentMessages().size(), 1);
 
-        // No prompt: the modem refuses to take the text.
-        modem->setFault("+CMGS=+79160000000", Fault::Error);
-        const clitest::Result refused = run({"sms", "send", modem->devicePath(), "+79160000000", "x"});
-        QCOMPARE(refused.exitCode, 1);
-        QVERIFY2(refused.err.startsWith("zelmodems sms send: the modem did not send the message to +79160000000"),
-                 refused.describe());
-        QCOMPARE(modem->sentMessages().size(), 2);
+        modem->setSmsConfirmation(false);
+        const clitest::Result silent = run({"sms", "send", modem->devicePath(), "--wait", "1", "+79161234567", "x"});
+        QCOMPARE(silent.exitCode, 1);
+        QVERIFY2(silent.err.contains("not confirmed within 1 s") && silent.err.contains("check before sending again"),
+                 silent.describe());
     }
 };
 

@@ -17,8 +17,10 @@ const QList<Entry>& table()
         {QStringLiteral("balance"), QStringLiteral("ask the account balance by USSD"), &balance},
         {QStringLiteral("ussd"), QStringLiteral("send a USSD code and print the network's reply"), &ussd},
         {QStringLiteral("own-number"), QStringLiteral("ask the operator for the SIM's own number"), &ownNumber},
-        {QStringLiteral("sms list"), QStringLiteral("read the stored SMS, and delete them from the modem"), &smsList},
-        {QStringLiteral("sms send"), QStringLiteral("send a text SMS"), &smsSend},
+        {QStringLiteral("sms list"), QStringLiteral("list the stored SMS (nothing is deleted)"), &smsList},
+        {QStringLiteral("sms delete"), QStringLiteral("delete stored SMS by index"), &smsDelete},
+        {QStringLiteral("sms take"), QStringLiteral("print the stored SMS that read whole, then delete those"), &smsTake},
+        {QStringLiteral("sms send"), QStringLiteral("send an SMS, confirmed by the modem"), &smsSend},
         {QStringLiteral("pdu encode"), QStringLiteral("build SMS-SUBMIT PDUs for a text (no modem needed)"),
          &pduEncode},
         {QStringLiteral("pdu explain"),
@@ -76,7 +78,7 @@ Report dispatch(const QStringList& args)
             second.clear();
         report.fail(second.isEmpty()
                         ? QStringLiteral("%1 needs a subcommand: %2").arg(first, first == QLatin1String("sms")
-                                                                                  ? QStringLiteral("list or send")
+                                                                                  ? QStringLiteral("list, delete, take or send")
                                                                                   : QStringLiteral("encode or explain"))
                         : QStringLiteral("unknown command \"%1 %2\" (see zelmodems --help)").arg(first, second),
                     Report::UsageError);

@@ -19,6 +19,8 @@ Report balance(const QStringList& args);
 Report ussd(const QStringList& args);
 Report ownNumber(const QStringList& args);
 Report smsList(const QStringList& args);
+Report smsDelete(const QStringList& args);
+Report smsTake(const QStringList& args);
 Report smsSend(const QStringList& args);
 Report pduEncode(const QStringList& args);
 Report pduExplain(const QStringList& args);

@@ -1,6 +1,8 @@
 #include "console.h"
 
+#include <errno.h>
 #include <stdio.h>
+#include <string.h>
 #include <unistd.h>
 
 namespace {
@@ -24,6 +26,19 @@ QTextStream& Console::err()
 {
     static QTextStream* stream = utf8Stream(stderr);
     return *stream;
+}
+
+bool Console::flushOut(QString* why)
+{
+    out().flush();
+    const bool streamOk = out().status() == QTextStream::Ok;
+    errno = 0;
+    const bool fileOk = ::fflush(stdout) == 0 && !::ferror(stdout);
+    if (streamOk && fileOk)
+        return true;
+    if (why)
+        *why = errno != 0 ? QString::fromLocal8Bit(::strerror(errno)) : QStringLiteral("write error");
+    return false;
 }
 
 bool Console::outputIsTerminal()

@@ -8,6 +8,9 @@ class Console
 public:
     static QTextStream& out();
     static QTextStream& err();
+    // Writes out what standard output holds; false, with the reason, when
+    // it could not all be written.
+    static bool flushOut(QString* why = nullptr);
     // Standard output is a terminal: live progress may be drawn on it.
     static bool outputIsTerminal();
 };

@@ -6,8 +6,13 @@
 
 #include <QCoreApplication>
 
+#include <signal.h>
+
 int main(int argc, char** argv)
 {
+    // A reader that goes away (a closed pipe) is a write error to report,
+    // not a reason to die half-way.
+    ::signal(SIGPIPE, SIG_IGN);
     // The library logs its AT dialogue; a command-line user wants the results,
     // not the dialogue, unless asked for it. Environment rules outrank the
     // rules the library sets, and are read when the application starts.

@@ -4,8 +4,15 @@
 #include "commands.h"
 #include "modemcommand.h"
 #include "modemsession.h"
+#include "messagestore.h"
 #include "modemsettings.h"
 #include "operatordata.h"
+#include "storedmessages.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QSet>
+#include <QThread>
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -142,6 +149,86 @@ bool neighbourCells(AtModem& modem, QString& list)
         return modem.getSiemensCellList(list);
     if (modem.dialect() == AtModem::SIM_COM)
         return modem.getSimCOMCellList(list);
+    return false;
+}
+
+} // namespace
+
+namespace {
+
+// The national number (ten digits) in an operator's text: the ten digits
+// after the country or trunk digit of an eleven-digit run, else a run of ten.
+// A run at the very start does not count: such texts begin with words, and
+// leading digits are a code or a date.
+QString nationalNumberIn(const QString& text)
+{
+    static const QRegularExpression eleven(QStringLiteral("\\d{11}"));
+    static const QRegularExpression ten(QStringLiteral("\\d{10}"));
+    QRegularExpressionMatch match = eleven.match(text);
+    if (match.hasMatch() && match.capturedStart() > 0)
+        return match.captured().mid(1, 10);
+    match = ten.match(text);
+    if (match.hasMatch() && match.capturedStart() > 0)
+        return match.captured();
+    return QString();
+}
+
+// The own number by SMS, touching no other message: asks with the code,
+// waits for a new received message that holds a number, and deletes only
+// that message. False with the report failed.
+bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report& report)
+{
+    const int WAIT_MS = 30000;
+    const int POLL_MS = 2000;
+    zelmodems::MessageStore store(&modem);
+    QList<zelmodems::StoredPdu> entries;
+    if (!store.list(entries)) {
+        report.fail(QStringLiteral("cannot list the stored messages: %1").arg(store.lastError()));
+        return false;
+    }
+    // What was there before the request is never the answer.
+    QSet<QString> before;
+    for (const zelmodems::StoredPdu& entry : qAsConst(entries))
+        before.insert(QString::number(entry.index()) + QLatin1Char(' ') + entry.pdu());
+
+    QString ignored;
+    if (!modem.sendUSSD2(code, ignored)) {
+        const QString why = modem.lastError();
+        report.fail(QStringLiteral("the request %1 did not go through: %2")
+                        .arg(code, why.isEmpty() ? QStringLiteral("no answer from the modem") : why));
+        return false;
+    }
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < WAIT_MS) {
+        if (!store.list(entries)) {
+            report.fail(QStringLiteral("cannot list the stored messages: %1").arg(store.lastError()));
+            return false;
+        }
+        QList<zelmodems::StoredPdu> fresh;
+        for (const zelmodems::StoredPdu& entry : qAsConst(entries)) {
+            if (!before.contains(QString::number(entry.index()) + QLatin1Char(' ') + entry.pdu()))
+                fresh << entry;
+        }
+        for (const StoredMessage& message : groupStoredMessages(fresh)) {
+            if (message.outgoing || !message.complete())
+                continue;
+            number = nationalNumberIn(message.text);
+            if (number.isEmpty())
+                continue;
+            for (const int index : message.indexes) {
+                if (!store.remove(index))
+                    report.line(QStringLiteral("(the operator's message %1 stays on the modem: %2)")
+                                    .arg(index)
+                                    .arg(store.lastError()));
+            }
+            return true;
+        }
+        QThread::msleep(POLL_MS);
+    }
+    report.fail(QStringLiteral("no message with a telephone number came within %1 s of %2")
+                    .arg(WAIT_MS / 1000)
+                    .arg(code));
     return false;
 }
 
@@ -390,9 +477,8 @@ Report ownNumber(const QStringList& args)
                          QStringLiteral("Asks the operator for the SIM's own telephone number, with the operator\n"
                                         "table's code and way unless --code and --sms/--ussd-reply say otherwise.\n"
                                         "By USSD reply the number is read from the reply (up to about 20 s). By\n"
-                                        "SMS the operator sends the number in a message: the tool waits about 15 s,\n"
-                                        "then reads the modem's stored messages - and, as \"sms list\", deletes them\n"
-                                        "all from the modem."));
+                                        "SMS the operator sends the number in a message: the tool waits up to 30 s\n"
+                                        "for it and deletes that message only; the other stored messages stay."));
     const QString SMS = QStringLiteral("sms");
     const QString REPLY = QStringLiteral("ussd-reply");
     CommandLine& commandLine = command.commandLine();
@@ -429,7 +515,10 @@ Report ownNumber(const QStringList& args)
         }
 
         QString number;
-        if (!session.modem().requestSelfNumber(fromSms, code, number)) {
+        if (fromSms) {
+            if (!ownNumberBySms(session.modem(), code, number, report))
+                return;
+        } else if (!session.modem().requestSelfNumber(false, code, number)) {
             const QString why = session.modem().lastError();
             report.fail(QStringLiteral("the request %1 did not go through: %2")
                             .arg(code, why.isEmpty() ? QStringLiteral("no reply from the network") : why));

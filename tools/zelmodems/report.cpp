@@ -29,28 +29,69 @@ void Report::setHelp(const QString& text)
     m_help = text;
 }
 
+QString Report::escaped(const QString& text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        const ushort u = c.unicode();
+        if ((u < 0x20 && u != '\t') || (u >= 0x7F && u < 0xA0))
+            result += QStringLiteral("\\x%1").arg(u, 2, 16, QLatin1Char('0'));
+        else
+            result += c;
+    }
+    return result;
+}
+
+namespace {
+
+QString escapedLines(const QStringList& lines)
+{
+    // Line breaks are the lines' own; every other control character is shown.
+    QStringList shown;
+    for (const QString& line : lines) {
+        for (const QString& part : line.split(QLatin1Char('\n')))
+            shown << Report::escaped(part);
+    }
+    return shown.join(QLatin1Char('\n')) + QLatin1Char('\n');
+}
+
+// Standard output took everything; otherwise the reason is on standard error.
+int checkedOutput(const QString& who, int status)
+{
+    QString why;
+    if (!Console::flushOut(&why)) {
+        Console::err() << who << ": cannot write the output: " << why << '\n';
+        Console::err().flush();
+        return Report::Failure;
+    }
+    return status;
+}
+
+} // namespace
+
 int Report::print(const QString& who) const
 {
     const bool asJson = m_jsonOutput;
     if (isHelp()) {
         Console::out() << m_help;
-        Console::out().flush();
-        return m_status;
+        return checkedOutput(who, m_status);
     }
     if (failed()) {
         // Whatever was gathered before the failure is still worth showing
         // to a person; a program gets the message and the status only.
-        if (!asJson && !m_lines.isEmpty())
-            Console::out() << m_lines.join(QLatin1Char('\n')) << '\n';
-        Console::out().flush();
-        Console::err() << who << ": " << m_error << '\n';
+        if (!asJson && !m_lines.isEmpty() && !m_printed)
+            Console::out() << escapedLines(m_lines);
+        checkedOutput(who, m_status);
+        Console::err() << who << ": " << escaped(m_error) << '\n';
         Console::err().flush();
         return m_status;
     }
+    if (m_printed)
+        return checkedOutput(who, m_status);
     if (asJson)
         Console::out() << QJsonDocument(m_json).toJson(QJsonDocument::Indented);
     else if (!m_lines.isEmpty())
-        Console::out() << m_lines.join(QLatin1Char('\n')) << '\n';
-    Console::out().flush();
-    return m_status;
+        Console::out() << escapedLines(m_lines);
+    return checkedOutput(who, m_status);
 }

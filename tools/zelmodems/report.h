@@ -42,8 +42,19 @@ public:
 
     // Prints to standard output (text or JSON) and, for a failure, the
     // message to standard error prefixed with `who` ("zelmodems info").
-    // Returns the exit status.
+    // Returns the exit status; Failure when standard output could not be
+    // written (a full disk, a closed pipe), with the reason on standard
+    // error. Control characters from modems and messages are shown escaped
+    // (\x1b) in text output, so that nothing they hold can drive the
+    // terminal.
     int print(const QString& who) const;
+
+    // The command printed its results itself (before acting on them);
+    // print() then only reports a failure.
+    void setPrinted() { m_printed = true; }
+
+    // `text` with its control characters as \xHH (tabs kept).
+    static QString escaped(const QString& text);
 
     static const int LABEL_WIDTH = 14;
 
@@ -54,4 +65,5 @@ private:
     QString m_help;
     int m_status = Success;
     bool m_jsonOutput = false;
+    bool m_printed = false;
 };

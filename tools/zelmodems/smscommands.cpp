@@ -1,68 +1,267 @@
-// sms list and sms send: the modem's SMS store and text-mode sending.
+// sms list, read, delete, take and send: the modem's SMS store and sending.
 #include "commandline.h"
 #include "commands.h"
+#include "messagestore.h"
 #include "modemcommand.h"
 #include "modemsession.h"
+#include "smssender.h"
+#include "storedmessages.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <algorithm>
+
+using zelmodems::MessageStore;
+using zelmodems::StoredPdu;
+
 namespace commands {
+
+namespace {
+
+QString partsText(const StoredMessage& message)
+{
+    if (message.partCount <= 1)
+        return QString();
+    QStringList present;
+    for (const int p : message.partsPresent)
+        present << QString::number(p);
+    return message.complete() ? QStringLiteral("  (%1 parts)").arg(message.partCount)
+                              : QStringLiteral("  (incomplete: part %1 of %2)")
+                                    .arg(present.join(QLatin1Char(',')))
+                                    .arg(message.partCount);
+}
+
+QString indexesText(const StoredMessage& message)
+{
+    QStringList indexes;
+    for (const int i : message.indexes)
+        indexes << QString::number(i);
+    return indexes.isEmpty() ? QStringLiteral("?") : indexes.join(QLatin1Char(','));
+}
+
+// A message for a person: a header line and the text, indented.
+void describe(const StoredMessage& message, Report& report)
+{
+    report.line();
+    const QString status = StoredPdu::statusName(message.status);
+    if (!message.decoded) {
+        report.line(QStringLiteral("[%1] %2  cannot be read: %3")
+                        .arg(indexesText(message), status,
+                             message.problem.isEmpty() ? QStringLiteral("undecodable PDU") : message.problem));
+        return;
+    }
+    const QString who = message.outgoing ? QStringLiteral("to %1").arg(message.address)
+                                         : QStringLiteral("from %1").arg(message.address);
+    const QString when = message.time.isValid() ? isoTime(message.time) + QStringLiteral("  ") : QString();
+    report.line(QStringLiteral("[%1] %2%3  %4%5").arg(indexesText(message), when, status, who, partsText(message)));
+    for (const QString& textLine : message.text.split(QLatin1Char('\n')))
+        report.line(QStringLiteral("  ") + textLine);
+}
+
+QJsonObject toJson(const StoredMessage& message)
+{
+    QJsonObject item;
+    QJsonArray indexes;
+    for (const int i : message.indexes)
+        indexes.append(i);
+    QJsonArray parts;
+    for (const int p : message.partsPresent)
+        parts.append(p);
+    item.insert(QStringLiteral("indexes"), indexes);
+    item.insert(QStringLiteral("storage"), message.storage.isEmpty() ? QJsonValue() : QJsonValue(message.storage));
+    item.insert(QStringLiteral("status"), StoredPdu::statusName(message.status));
+    item.insert(QStringLiteral("outgoing"), message.outgoing);
+    item.insert(message.outgoing ? QStringLiteral("recipient") : QStringLiteral("sender"),
+                message.decoded ? QJsonValue(message.address) : QJsonValue());
+    item.insert(QStringLiteral("dateTime"), message.time.isValid() ? QJsonValue(isoTime(message.time)) : QJsonValue());
+    item.insert(QStringLiteral("text"), message.decoded ? QJsonValue(message.text) : QJsonValue());
+    item.insert(QStringLiteral("partCount"), message.partCount);
+    item.insert(QStringLiteral("partsPresent"), parts);
+    item.insert(QStringLiteral("complete"), message.complete());
+    item.insert(QStringLiteral("problem"), message.problem.isEmpty() ? QJsonValue() : QJsonValue(message.problem));
+    return item;
+}
+
+// Reads the store into `messages`; false with the report failed.
+bool readStore(ModemSession& session, QList<StoredMessage>& messages, Report& report)
+{
+    MessageStore store(&session.modem());
+    QList<StoredPdu> entries;
+    if (!store.list(entries)) {
+        report.fail(QStringLiteral("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
+        return false;
+    }
+    messages = groupStoredMessages(entries);
+    return true;
+}
+
+// Oldest first; messages without a time stamp (outgoing, unreadable) last,
+// each group in the store's order.
+void show(QList<StoredMessage> messages, const QString& heading, Report& report)
+{
+    std::stable_sort(messages.begin(), messages.end(), [](const StoredMessage& a, const StoredMessage& b) {
+        if (a.time.isValid() != b.time.isValid())
+            return a.time.isValid();
+        return a.time.isValid() && a.time < b.time;
+    });
+    QJsonArray list;
+    report.line(messages.isEmpty() ? QStringLiteral("No messages.") : heading.arg(messages.size()));
+    for (const StoredMessage& message : messages) {
+        describe(message, report);
+        list.append(toJson(message));
+    }
+    report.json().insert(QStringLiteral("messages"), list);
+}
+
+// Store indexes from the command line; false with a usage error.
+bool parseIndexes(const QStringList& words, QList<int>& indexes, Report& report)
+{
+    for (const QString& word : words) {
+        bool ok = false;
+        const int index = word.toInt(&ok);
+        if (!ok || index < 0 || index > MessageStore::MaxIndex) {
+            report.fail(QStringLiteral("\"%1\" is not a message index (0 to %2)").arg(word).arg(MessageStore::MaxIndex),
+                        Report::UsageError);
+            return false;
+        }
+        if (!indexes.contains(index))
+            indexes << index;
+    }
+    return true;
+}
+
+// Deletes `indexes`, one line each; false when any deletion failed.
+bool deleteIndexes(ModemSession& session, const QList<int>& indexes, Report& report)
+{
+    MessageStore store(&session.modem());
+    QStringList failures;
+    QJsonArray deleted;
+    for (const int index : indexes) {
+        if (store.remove(index)) {
+            report.line(QStringLiteral("Deleted message %1.").arg(index));
+            deleted.append(index);
+        } else {
+            failures << store.lastError();
+        }
+    }
+    report.json().insert(QStringLiteral("deleted"), deleted);
+    if (!failures.isEmpty()) {
+        report.fail(failures.join(QStringLiteral("; ")));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
 
 Report smsList(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("sms list"),
-                         QStringLiteral("Reads every message stored in the modem (PDU mode, read and unread),\n"
-                                        "joins the parts of long messages and prints them oldest first.\n"
-                                        "Reading CONSUMES the messages: every message read is deleted from the\n"
-                                        "modem, also one that cannot be decoded, as the modems service does."));
+                         QStringLiteral("Lists every message stored in the modem (PDU mode): index, time with its\n"
+                                        "zone offset, status (unread, read, unsent, sent), sender or recipient,\n"
+                                        "text, and for long messages whether every part is there. Nothing is\n"
+                                        "deleted (\"sms delete\", \"sms take\"); the modem marks listed messages read."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
-        QList<AtModem::SSms> messages;
-        // False also means "no messages": the store is simply empty then.
-        session.modem().takeMessages(messages);
-        QJsonArray list;
-        if (messages.isEmpty())
-            report.line(QStringLiteral("No messages."));
-        else
-            report.line(QStringLiteral("%1 message(s), deleted from the modem:").arg(messages.size()));
-        for (const AtModem::SSms& sms : qAsConst(messages)) {
-            report.line();
-            report.line(QStringLiteral("%1  from %2")
-                            .arg(sms.dateTime.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")), sms.sender));
-            for (const QString& textLine : sms.text.split(QLatin1Char('\n')))
-                report.line(QStringLiteral("  ") + textLine);
-            QJsonObject item;
-            item.insert(QStringLiteral("sender"), sms.sender);
-            item.insert(QStringLiteral("dateTime"), sms.dateTime.toString(Qt::ISODate));
-            item.insert(QStringLiteral("text"), sms.text);
-            list.append(item);
+        QList<StoredMessage> messages;
+        if (readStore(session, messages, report))
+            show(messages, QStringLiteral("%1 message(s) in the modem:"), report);
+    });
+}
+
+Report smsDelete(const QStringList& args)
+{
+    ModemCommand command(QStringLiteral("sms delete"),
+                         QStringLiteral("Deletes the stored messages with the given indexes (as \"sms list\" shows\n"
+                                        "them) and says for each whether the modem deleted it."));
+    command.commandLine().addPositional(QStringLiteral("INDEX"), QStringLiteral("Store indexes to delete."), true, true);
+    return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
+        QList<int> indexes;
+        if (parseIndexes(cl.positional().mid(1), indexes, report))
+            deleteIndexes(session, indexes, report);
+    });
+}
+
+Report smsTake(const QStringList& args)
+{
+    ModemCommand command(QStringLiteral("sms take"),
+                         QStringLiteral("Prints the received messages that could be read whole, and then deletes\n"
+                                        "those - and only those - from the modem. Messages that cannot be read, lone\n"
+                                        "parts of long messages and stored outgoing messages stay. Nothing is\n"
+                                        "deleted when the output could not be written."));
+    return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
+        QList<StoredMessage> all;
+        if (!readStore(session, all, report))
+            return;
+        QList<StoredMessage> taken;
+        QList<int> indexes;
+        for (const StoredMessage& message : qAsConst(all)) {
+            if (message.complete() && !message.outgoing) {
+                taken << message;
+                indexes << message.indexes;
+            }
         }
-        report.json().insert(QStringLiteral("messages"), list);
+        Report shown;
+        shown.setJsonOutput(report.jsonOutput());
+        show(taken, QStringLiteral("%1 message(s), taken from the modem:"), shown);
+        shown.json().insert(QStringLiteral("left"), all.size() - taken.size());
+        if (shown.print(QStringLiteral("zelmodems sms take")) != Report::Success) {
+            report.setPrinted();
+            report.fail(QStringLiteral("the messages could not be written out; none was deleted"));
+            return;
+        }
+        report.setPrinted();
+        Report deletions;
+        if (!deleteIndexes(session, indexes, deletions))
+            report.fail(QStringLiteral("not every message taken was deleted: %1").arg(deletions.error()));
     });
 }
 
 Report smsSend(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("sms send"),
-                         QStringLiteral("Sends a text SMS in the modem's text mode (AT+CMGF=1, AT+CMGS) and\n"
-                                        "waits 3 s for the modem's confirmation. For long or non-Latin texts in\n"
-                                        "PDU mode, see \"pdu encode\"."));
+                         QStringLiteral("Sends an SMS in PDU mode: any text, in UCS2 when the GSM alphabet cannot\n"
+                                        "carry it and in several parts when it is long. It counts as sent only when\n"
+                                        "the modem confirmed every part (+CMGS: <reference>). A number or text with\n"
+                                        "control characters (Ctrl-Z, ESC, line breaks in the number) is refused\n"
+                                        "and nothing is sent."));
+    const QString WAIT = QStringLiteral("wait");
     command.commandLine().addPositional(QStringLiteral("NUMBER"),
-                                        QStringLiteral("The recipient, as the modem takes it (+79161234567)."));
+                                        QStringLiteral("The recipient (+79161234567, or digits, * and #)."));
     command.commandLine().addPositional(QStringLiteral("TEXT"), QStringLiteral("The message text."));
-    return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
+    command.commandLine().addOption(QCommandLineOption(
+        WAIT, QStringLiteral("Seconds to wait for the network's confirmation of each part (default 30)."),
+        QStringLiteral("seconds"), QStringLiteral("30")));
+    return command.run(args, [&](ModemSession& session, const CommandLine& cl, Report& report) {
         const QString number = cl.positional(1);
         const QString text = cl.positional(2);
-        if (!session.modem().sendMessage(number, text)) {
-            const QString why = session.modem().lastError();
-            report.fail(QStringLiteral("the modem did not send the message to %1%2")
-                            .arg(number, why.isEmpty() ? QString() : QStringLiteral(": ") + why));
+        bool ok = false;
+        const int seconds = cl.value(WAIT).toInt(&ok);
+        if (!ok || seconds < 1 || seconds > 600) {
+            report.fail(QStringLiteral("--wait takes 1 to 600 seconds"), Report::UsageError);
             return;
         }
-        report.line(QStringLiteral("Sent to %1.").arg(number));
+        zelmodems::SmsSender sender(&session.modem());
+        sender.setConfirmTimeout(seconds * 1000);
+        const bool sent = sender.send(number, text);
+        QJsonArray references;
+        for (const int r : sender.references())
+            references.append(r);
         report.json().insert(QStringLiteral("number"), number);
-        report.json().insert(QStringLiteral("text"), text);
-        report.json().insert(QStringLiteral("sent"), true);
+        report.json().insert(QStringLiteral("parts"), sender.partCount());
+        report.json().insert(QStringLiteral("references"), references);
+        report.json().insert(QStringLiteral("sent"), sent);
+        if (!sent) {
+            report.fail(QStringLiteral("message to %1: %2").arg(number, sender.lastError()));
+            return;
+        }
+        QStringList refs;
+        for (const int r : sender.references())
+            refs << QString::number(r);
+        report.line(QStringLiteral("Sent to %1 in %2 part(s), confirmed (reference %3).")
+                        .arg(number)
+                        .arg(sender.partCount())
+                        .arg(refs.join(QStringLiteral(", "))));
     });
 }
 
