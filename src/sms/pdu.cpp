@@ -445,6 +445,14 @@ void setError(QString* error, const QString& text)
         *error = text;
 }
 
+void skipServiceCentre(OctetReader& reader)
+{
+    uchar length = 0;
+    QByteArray centre;
+    reader.octet(&length, PDU::tr("the service centre address"));
+    reader.octets(length, &centre, PDU::tr("the service centre address"));
+}
+
 } // namespace pduinternal
 
 using namespace pduinternal;

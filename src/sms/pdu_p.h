@@ -218,6 +218,8 @@ QList<QString> splitUcs2(const QString& text, int capacity);
 QByteArray toUtf16BigEndian(const QString& text);
 QString fromUtf16BigEndian(const QByteArray& octets);
 void setError(QString* error, const QString& text);
+// Reads past the service-centre address in front of a TPDU.
+void skipServiceCentre(OctetReader& reader);
 
 } // namespace pduinternal
 } // namespace zelmodems

@@ -20,12 +20,8 @@ PduStatusReportData readStatusReport(const QString& hexPdu, bool withServiceCent
         return report;
 
     OctetReader reader(octets);
-    if (withServiceCentre) {
-        uchar length = 0;
-        QByteArray centre;
-        reader.octet(&length, PDU::tr("the service centre address"));
-        reader.octets(length, &centre, PDU::tr("the service centre address"));
-    }
+    if (withServiceCentre)
+        skipServiceCentre(reader);
     uchar first = 0;
     if (reader.octet(&first, PDU::tr("the first octet")) && (first & 0x03) != 0x02) {
         static const char* const names[] = { "SMS-DELIVER", "SMS-SUBMIT", "SMS-STATUS-REPORT",

@@ -133,12 +133,8 @@ PDU::Submit decodeSmsSubmit(const QString& hexPdu, bool withServiceCentre)
         return submit;
 
     OctetReader reader(octets);
-    if (withServiceCentre) {
-        uchar length = 0;
-        QByteArray centre;
-        reader.octet(&length, PDU::tr("the service centre address"));
-        reader.octets(length, &centre, PDU::tr("the service centre address"));
-    }
+    if (withServiceCentre)
+        skipServiceCentre(reader);
     uchar first = 0;
     if (reader.octet(&first, PDU::tr("the first octet")) && (first & 0x03) != MTI_SUBMIT)
         reader.fail(PDU::tr("Not an SMS-SUBMIT (message type indicator %1)").arg(first & 0x03));
