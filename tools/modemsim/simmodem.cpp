@@ -812,6 +812,13 @@ Reply SimModem::Private::builtin(const QByteArray& command)
             it->status = 1;
         return Reply::ok(line);
     }
+    if (key.startsWith("+CMGS=") && textMode == 0) {
+        // PDU mode takes the TPDU length; a number there is an error.
+        bool isLength = false;
+        command.mid(6).trimmed().toInt(&isLength);
+        if (!isLength)
+            return Reply::raw("\r\n+CMS ERROR: 304\r\n");   // invalid PDU mode parameter
+    }
     if (key.startsWith("+CMGS=")) {
         // Text mode: the number follows; PDU mode: the TPDU length, and the
         // text is the PDU in hexadecimal (recorded with an empty number).
