@@ -84,7 +84,7 @@ private slots:
         QTest::addColumn<QString>("mentions");
         QTest::newRow("find") << QStringList{"find"} << "[PORT...]";
         QTest::newRow("info") << QStringList{"info"} << "--baud <rate>";
-        QTest::newRow("signal") << QStringList{"signal"} << "-109 to -90";
+        QTest::newRow("signal") << QStringList{"signal"} << "(index 99)";
         QTest::newRow("cells") << QStringList{"cells"} << "neighbour";
         QTest::newRow("operator") << QStringList{"operator"} << "operator table";
         QTest::newRow("balance") << QStringList{"balance"} << "--code <code>";

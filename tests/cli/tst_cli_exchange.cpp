@@ -31,6 +31,43 @@ private slots:
         QCOMPARE(modem->ussdRequests(), QList<QByteArray>{"*100#"});
     }
 
+    // Nothing is reported as a fact that the modem or the network did not say.
+    void truthfulAnswers_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QByteArray>("csq");
+        QTest::addColumn<QByteArray>("ussdReply");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("expected");   // in stdout, or stderr for a failure
+        QTest::newRow("no signal") << QStringList{"signal"} << QByteArray("+CSQ: 99,99") << QByteArray() << 0
+                                   << "Signal:       unknown (the modem reports no signal)";
+        QTest::newRow("no signal, JSON") << QStringList{"signal", "--json"} << QByteArray("+CSQ: 99,99")
+                                         << QByteArray() << 0 << "\"signal\": null";
+        QTest::newRow("USSD not supported") << QStringList{"balance", "--code", "*100#"} << QByteArray()
+                                            << Ussd::statusOnly(4) << 1 << "without a reply text";
+        QTest::newRow("reply without an amount") << QStringList{"balance", "--code", "*100#", "--json"}
+                                                 << QByteArray() << Ussd::plain("Service unavailable") << 0
+                                                 << "\"amount\": null";
+    }
+
+    void truthfulAnswers()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QByteArray, csq);
+        QFETCH(QByteArray, ussdReply);
+        QFETCH(int, exitCode);
+        QFETCH(QString, expected);
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        if (!csq.isEmpty())
+            modem->setAnswer("+CSQ", csq);
+        if (!ussdReply.isEmpty())
+            modem->setUssdReply("*100#", ussdReply);
+        const clitest::Result r = run(QStringList{args.value(0), modem->devicePath()} + args.mid(1));
+        QCOMPARE(r.exitCode, exitCode);
+        QVERIFY2((exitCode == 0 ? r.out : r.err).contains(expected), r.describe());
+    }
+
     void balanceJsonWithGivenCode()
     {
         auto modem = clitest::startModem(Make::SimCom);

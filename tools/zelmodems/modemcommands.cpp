@@ -87,6 +87,55 @@ QString signalText(int dbm)
     return QStringLiteral("%1 dBm (%2)").arg(dbm).arg(rating(dbm));
 }
 
+// The signal as the modem states it (AT+CSQ, 3GPP TS 27.007): the driver's
+// own call puts a made-up weak level where the modem has none, which is
+// right for the modems service's display but not for a person diagnosing.
+struct Signal
+{
+    bool answered = false;   // the modem gave a +CSQ line
+    int rssi = -1;           // 0..31, 99 not known
+    int ber = -1;
+    bool known() const { return rssi >= 0 && rssi <= 31; }
+    int dbm() const { return 2 * rssi - 113; }   // 0: -113 dBm or less, 31: -51 or more
+};
+
+Signal readSignal(AtModem& modem)
+{
+    Signal signal;
+    QByteArray answer;
+    if (!modem.sendCommand("+CSQ", answer, 1000))
+        return signal;
+    static const QRegularExpression csq(QStringLiteral("\\+CSQ:\\s*(\\d{1,3})\\s*,\\s*(\\d{1,3})"));
+    const QRegularExpressionMatch match = csq.match(QString::fromLatin1(answer));
+    if (!match.hasMatch())
+        return signal;
+    signal.answered = true;
+    signal.rssi = match.captured(1).toInt();
+    signal.ber = match.captured(2).toInt();
+    return signal;
+}
+
+// The signal's fields and JSON; false when the modem gave no +CSQ at all.
+bool reportSignal(AtModem& modem, Report& report)
+{
+    const Signal signal = readSignal(modem);
+    if (!signal.answered)
+        return false;
+    QJsonObject& json = report.json();
+    json.insert(QStringLiteral("rssi"), signal.rssi);
+    json.insert(QStringLiteral("ber"), signal.ber);
+    if (signal.known()) {
+        report.field(QStringLiteral("Signal"), signalText(signal.dbm()));
+        json.insert(QStringLiteral("signal"), signal.dbm());
+        json.insert(QStringLiteral("rating"), rating(signal.dbm()));
+    } else {
+        report.field(QStringLiteral("Signal"), QStringLiteral("unknown (the modem reports no signal)"));
+        json.insert(QStringLiteral("signal"), QJsonValue());
+        json.insert(QStringLiteral("rating"), QJsonValue());
+    }
+    return true;
+}
+
 // Sends a USSD code; false (and `report` failed) when no reply came.
 bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& report)
 {
@@ -279,13 +328,8 @@ Report info(const QStringList& args)
         else if (mcc > 0)
             report.field(QStringLiteral("Table entry"), QStringLiteral("none for %1").arg(codesText(mcc, mnc)));
 
-        int level = 0;
-        if (modem.getSignalLevel(level)) {
-            report.field(QStringLiteral("Signal"), signalText(level));
-            json.insert(QStringLiteral("signal"), level);
-        } else {
+        if (!reportSignal(modem, report))
             report.field(QStringLiteral("Signal"), unknown);
-        }
 
         QString lac;
         QString cid;
@@ -334,19 +378,14 @@ Report info(const QStringList& args)
 Report signal(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("signal"),
-                         QStringLiteral("Prints the signal level in dBm (AT+CSQ). When the modem cannot measure\n"
-                                        "it (index 99), the library reports a weak level from -109 to -90 dBm\n"
-                                        "instead, as it does for the modems service."));
+                         QStringLiteral("Prints the signal level in dBm (AT+CSQ), or \"unknown\" when the modem\n"
+                                        "cannot measure it (index 99); JSON gives the raw rssi and ber too."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
-        int level = 0;
-        if (!session.modem().getSignalLevel(level)) {
-            report.fail(
-                QStringLiteral("the modem did not report the signal level: %1").arg(session.modem().lastError()));
-            return;
+        if (!reportSignal(session.modem(), report)) {
+            const QString why = session.modem().lastError();
+            report.fail(QStringLiteral("the modem did not report the signal level: %1")
+                            .arg(why.isEmpty() ? QStringLiteral("no +CSQ in its answer") : why));
         }
-        report.field(QStringLiteral("Signal"), signalText(level));
-        report.json().insert(QStringLiteral("signal"), level);
-        report.json().insert(QStringLiteral("rating"), rating(level));
     });
 }
 
@@ -444,11 +483,22 @@ Report balance(const QStringList& args)
         QString reply;
         if (!sendUssd(modem, code, reply, report))
             return;
+        // A reply of only a status (ended by the network, not supported)
+        // carries no balance at all.
+        if (reply.trimmed().isEmpty()) {
+            report.fail(QStringLiteral("the network answered %1 without a reply text (the request was ended "
+                                       "or is not supported)")
+                            .arg(code));
+            return;
+        }
+        // A balance only where the operator's text holds a number.
+        const bool hasAmount = reply.contains(QRegularExpression(QStringLiteral("\\d")));
         const double amount = modem.parseModemBalance(reply);
-        report.field(QStringLiteral("Balance"), QString::number(amount, 'f', 2));
+        report.field(QStringLiteral("Balance"),
+                     hasAmount ? QString::number(amount, 'f', 2) : QStringLiteral("not in the reply"));
         report.field(QStringLiteral("Reply"), reply);
         report.json().insert(QStringLiteral("code"), code);
-        report.json().insert(QStringLiteral("amount"), amount);
+        report.json().insert(QStringLiteral("amount"), hasAmount ? QJsonValue(amount) : QJsonValue());
         report.json().insert(QStringLiteral("text"), reply);
     });
 }
