@@ -5,6 +5,8 @@
 
 #include <QJsonArray>
 
+#include <memory>
+
 using clitest::run;
 using zelmodems::sim::Fault;
 using zelmodems::sim::DeliverPdu;
@@ -66,6 +68,22 @@ private slots:
         const clitest::Result r = run(QStringList{args.value(0), modem->devicePath()} + args.mid(1));
         QCOMPARE(r.exitCode, exitCode);
         QVERIFY2((exitCode == 0 ? r.out : r.err).contains(expected), r.describe());
+    }
+
+    void infoOnAModemThatGoesSilent()
+    {
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        // Answers the opening dialogue and the first queries, then nothing.
+        auto count = std::make_shared<int>(0);
+        modem->addHandler([count](const QByteArray&) -> std::optional<zelmodems::sim::Reply> {
+            if (++*count > 8)
+                return zelmodems::sim::Reply::none();
+            return std::nullopt;
+        });
+        const clitest::Result r = run({"info", modem->devicePath(), "--attempts", "1"}, 90000);
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains("stopped answering"), r.describe());
     }
 
     void balanceJsonWithGivenCode()

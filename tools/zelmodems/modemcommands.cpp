@@ -372,6 +372,13 @@ Report info(const QStringList& args)
             report.line(QStringLiteral("  MCC  MNC  CELL      LAC"));
             report.lines(rows);
         }
+        // "unknown" above must mean the modem could not tell, not that it
+        // stopped answering half-way (pulled out, crashed, hung).
+        if (!modem.pollAt(1000)) {
+            report.fail(QStringLiteral("the modem on %1 stopped answering during the queries; the fields shown as "
+                                       "unknown were not read")
+                            .arg(session.portName()));
+        }
     });
 }
 
