@@ -45,6 +45,8 @@ private slots:
                                    << "Signal:       unknown (the modem reports no signal)";
         QTest::newRow("no signal, JSON") << QStringList{"signal", "--json"} << QByteArray("+CSQ: 99,99")
                                          << QByteArray() << 0 << "\"signal\": null";
+        QTest::newRow("global option first") << QStringList{"--json", "signal"} << QByteArray("+CSQ: 20,99")
+                                             << QByteArray() << 0 << "\"signal\": -73";
         QTest::newRow("USSD not supported") << QStringList{"balance", "--code", "*100#"} << QByteArray()
                                             << Ussd::statusOnly(4) << 1 << "without a reply text";
         QTest::newRow("reply without an amount") << QStringList{"balance", "--code", "*100#", "--json"}
@@ -65,7 +67,12 @@ private slots:
             modem->setAnswer("+CSQ", csq);
         if (!ussdReply.isEmpty())
             modem->setUssdReply("*100#", ussdReply);
-        const clitest::Result r = run(QStringList{args.value(0), modem->devicePath()} + args.mid(1));
+        // The port goes after the command's name, options may stand before it.
+        int at = 0;
+        while (args.value(at).startsWith("--"))
+            ++at;
+        args.insert(at + 1, modem->devicePath());
+        const clitest::Result r = run(args);
         QCOMPARE(r.exitCode, exitCode);
         QVERIFY2((exitCode == 0 ? r.out : r.err).contains(expected), r.describe());
     }

@@ -185,7 +185,7 @@ Report find(const QStringList& args)
     QList<QStringList> rows;
     rows << QStringList{QStringLiteral("PORT"),       QStringLiteral("CMD PORT"), QStringLiteral("BAUD"),
                         QStringLiteral("IMEI"),       QStringLiteral("CONNECTION"), QStringLiteral("USER"),
-                        QStringLiteral("BALANCE"),    QStringLiteral("INIT")};
+                        QStringLiteral("BALANCE CODE"), QStringLiteral("INIT")};
     QJsonArray modems;
     for (const ModemInfo& modem : qAsConst(found)) {
         const QString dash = QStringLiteral("-");

@@ -46,6 +46,20 @@ int main(int argc, char** argv)
         return 2;
     }
 
+    // Global options may come before the subcommand as well as after it
+    // (zelmodems --json signal ttyUSB2); the commands read them anywhere.
+    QStringList leading;
+    while (!args.isEmpty()
+           && (args.first() == QLatin1String("--json") || args.first() == QLatin1String("--verbose")
+               || args.first() == QLatin1String("-v")))
+        leading << args.takeFirst();
+    if (args.isEmpty()) {
+        Console::err() << commands::overview();
+        Console::err().flush();
+        return 2;
+    }
+    args << leading;
+
     // Ports as the tool sees them (device paths of simulated modems
     // included), for the whole run.
     zelmodems::DeclaredPorts ports;
