@@ -4,6 +4,7 @@
 #include "pdu.h"
 
 #include <QJsonArray>
+#include <QSerialPort>
 
 #include <memory>
 
@@ -91,6 +92,19 @@ private slots:
         const clitest::Result r = run({"info", modem->devicePath(), "--attempts", "1"}, 90000);
         QCOMPARE(r.exitCode, 1);
         QVERIFY2(r.err.contains("stopped answering"), r.describe());
+    }
+
+    void busyPortNamesItsHolder()
+    {
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        QSerialPort holder(modem->devicePath());
+        QVERIFY2(holder.open(QIODevice::ReadWrite), qPrintable(holder.errorString()));
+        const clitest::Result r = run({"signal", modem->devicePath(), "--attempts", "1"});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains(QStringLiteral("is in use by another program (pid %1")
+                                    .arg(QCoreApplication::applicationPid())),
+                 r.describe());
     }
 
     void balanceJsonWithGivenCode()

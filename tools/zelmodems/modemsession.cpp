@@ -3,7 +3,51 @@
 #include "report.h"
 #include "declaredports.h"
 
+#include <QFile>
 #include <QFileInfo>
+
+namespace {
+
+// The program that holds `device`, from the UUCP lock file that serial
+// programs (QSerialPort, pppd, minicom) write its pid into: "pid N (name)",
+// or empty when no live process holds a lock on it.
+QString holderOf(const QString& device)
+{
+    // The lock is named after the device's path below /dev, its slashes as
+    // underscores (LCK..ttyUSB0, LCK..pts_3).
+    QStringList names;
+    for (QString path : {device, QFileInfo(device).canonicalFilePath()}) {
+        if (path.startsWith(QLatin1String("/dev/")))
+            path = path.mid(5);
+        else if (path.contains(QLatin1Char('/')))
+            path = QFileInfo(path).fileName();
+        path.replace(QLatin1Char('/'), QLatin1Char('_'));
+        if (!path.isEmpty() && !names.contains(path))
+            names << path;
+    }
+    QStringList dirs{QStringLiteral("/run/lock"), QStringLiteral("/var/lock"), QStringLiteral("/tmp")};
+    if (!qEnvironmentVariableIsEmpty("QT5EXT_LOCK_DIR"))
+        dirs.prepend(qEnvironmentVariable("QT5EXT_LOCK_DIR"));
+    for (const QString& dir : dirs) {
+        for (const QString& name : names) {
+            QFile lock(dir + QStringLiteral("/LCK..") + name);
+            if (!lock.open(QIODevice::ReadOnly))
+                continue;
+            bool ok = false;
+            const qint64 pid = lock.readLine(64).trimmed().toLongLong(&ok);
+            if (!ok || pid <= 0 || !QFileInfo::exists(QStringLiteral("/proc/%1").arg(pid)))
+                continue;
+            QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
+            const QString program = comm.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(comm.readAll().trimmed())
+                                                                    : QString();
+            return program.isEmpty() ? QStringLiteral("pid %1").arg(pid)
+                                     : QStringLiteral("pid %1, %2").arg(pid).arg(program);
+        }
+    }
+    return QString();
+}
+
+} // namespace
 
 ModemSession::~ModemSession()
 {
@@ -23,6 +67,15 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         return false;
     }
     if (!m_modem.open(device, commandLine.baud(), commandLine.attempts())) {
+        const QString holder = holderOf(device);
+        if (!holder.isEmpty()) {
+            report.fail(QStringLiteral("%1 is in use by another program (%2)").arg(m_portName, holder));
+            return false;
+        }
+        if (!QFileInfo::exists(device)) {
+            report.fail(QStringLiteral("%1 disappeared while it was being opened").arg(m_portName));
+            return false;
+        }
         QString why = m_modem.lastError();
         if (why.isEmpty())
             why = QStringLiteral("no answer to AT");
