@@ -269,14 +269,14 @@ private slots:
         env.insert("PATH", bin + ":" + env.value("PATH"));
         env.insert("QT5EXT_INITCONFIG", conf.fileName());
         const clitest::Result r =
-            run({"wvdialconf", "--program", bin + "/wvdialconf", "--timeout", "10000", "--json"}, 30000, env);
+            run({"wvdialconf", "--yes", "--program", bin + "/wvdialconf", "--timeout", "10000", "--json"}, 30000, env);
         QCOMPARE(r.exitCode, 0);
         const QJsonObject json = r.json();
         QCOMPARE(json.value("searchFile").toString(), work + "/modems/wvdial.conf.srch");
         QCOMPARE(json.value("content").toString(),
                  QStringLiteral("[Dialer Defaults]\nModem = /dev/ttyUSB0\nBaud = 460800\n"));
         QCOMPARE(readFile(dir.filePath("sudo.log")), QByteArray("killall pppd\nkillall wvdial\n"));
-        const clitest::Result text = run({"wvdialconf", "--program", bin + "/wvdialconf"}, 30000, env);
+        const clitest::Result text = run({"wvdialconf", "--yes", "--program", bin + "/wvdialconf"}, 30000, env);
         QCOMPARE(text.exitCode, 0);
         QCOMPARE(text.out, QStringLiteral("%1/wvdialconf wrote %2/modems/wvdial.conf.srch:\n\n"
                                           "[Dialer Defaults]\nModem = /dev/ttyUSB0\nBaud = 460800\n")
@@ -289,12 +289,36 @@ private slots:
         QVERIFY2(missing.err.contains("is not there or not executable"), missing.describe());
         QVERIFY(!QFile::exists(dir.filePath("sudo.log")));
 
-        // A program that writes nothing.
-        QVERIFY(writeScript(bin + "/silent", "exit 1\n"));
+        // A program that writes nothing: its own complaint is the reason.
+        QVERIFY(writeScript(bin + "/silent", "echo 'Cannot open /dev/ttyS0' >&2; exit 1\n"));
         QFile::remove(work + "/modems/wvdial.conf.srch");
-        const clitest::Result silent = run({"wvdialconf", "--program", bin + "/silent"}, 30000, env);
+        const clitest::Result silent = run({"wvdialconf", "--yes", "--program", bin + "/silent"}, 30000, env);
         QCOMPARE(silent.exitCode, 1);
-        QVERIFY2(silent.err.contains("did not write " + work + "/modems/wvdial.conf.srch"), silent.describe());
+        QVERIFY2(silent.err.contains("did not write " + work + "/modems/wvdial.conf.srch: ")
+                     && silent.err.contains("Cannot open /dev/ttyS0"),
+                 silent.describe());
+
+        // A running dialer (a stand-in called pppd) is listed and left alone
+        // unless the user says yes; so is everything when the folder is missing.
+        QVERIFY(QFile::copy("/bin/sleep", bin + "/pppd"));
+        QProcess dialer;
+        dialer.start(bin + "/pppd", {"30"});
+        QVERIFY(dialer.waitForStarted());
+        QFile::remove(dir.filePath("sudo.log"));
+        const clitest::Result asked = run({"wvdialconf", "--program", bin + "/wvdialconf"}, 30000, env);
+        QCOMPARE(asked.exitCode, 1);
+        QVERIFY2(asked.err.contains(QStringLiteral("pppd (pid %1) would be stopped").arg(dialer.processId()))
+                     && asked.err.contains("--yes"),
+                 asked.describe());
+        QVERIFY(!QFile::exists(dir.filePath("sudo.log")));
+        QVERIFY(QDir(work + "/modems").removeRecursively());
+        const clitest::Result noFolder = run({"wvdialconf", "--yes", "--program", bin + "/wvdialconf"}, 30000, env);
+        QCOMPARE(noFolder.exitCode, 1);
+        QVERIFY2(noFolder.err.contains("not there or not writable"), noFolder.describe());
+        QVERIFY(!QFile::exists(dir.filePath("sudo.log")));
+        QCOMPARE(dialer.state(), QProcess::Running);
+        dialer.kill();
+        dialer.waitForFinished();
     }
 };
 

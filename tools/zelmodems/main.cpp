@@ -19,10 +19,14 @@ int main(int argc, char** argv)
     bool verbose = false;
     for (int i = 1; i < argc; ++i)
         verbose |= qstrcmp(argv[i], "--verbose") == 0 || qstrcmp(argv[i], "-v") == 0;
-    if (!verbose && qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
+    if (!verbose && qEnvironmentVariableIsEmpty("QT_LOGGING_RULES")) {
         qputenv("QT_LOGGING_RULES", "atmodem.debug=false;atmodem.info=false;atmodem.warning=false;"
                                     "atmodem.critical=false;modems.finder.debug=false;default.debug=false;"
-                                    "default.info=false;default.warning=false;default.critical=false");
+                                    "default.info=false;default.warning=false");
+        // Critical messages still reach a handler (wvdialconf's complaints
+        // are gathered from them for its failure message), not the terminal.
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    }
 
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zelmodems"));

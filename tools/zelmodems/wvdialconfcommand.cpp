@@ -6,9 +6,60 @@
 #include <qt5ext/initconfig.h>
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonObject>
+#include <QTextStream>
+
+#include <stdio.h>
+#include <unistd.h>
+
+namespace {
+
+// The running dialers that would be stopped: "pppd (pid 812)".
+QStringList runningDialers()
+{
+    QStringList found;
+    const QStringList pids = QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
+    for (const QString& pid : pids) {
+        QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
+        if (!comm.open(QIODevice::ReadOnly))
+            continue;
+        const QString name = QString::fromLocal8Bit(comm.readAll().trimmed());
+        if (name == QLatin1String("pppd") || name == QLatin1String("wvdial"))
+            found << QStringLiteral("%1 (pid %2)").arg(name, pid);
+    }
+    return found;
+}
+
+// A person at a terminal says yes.
+bool confirmed(const QStringList& dialers)
+{
+    if (::isatty(STDIN_FILENO) != 1)
+        return false;
+    QTextStream err(stderr);
+    err << "zelmodems wvdialconf will stop " << dialers.join(QStringLiteral(", "))
+        << " (their connections drop). Go on? [y/N] ";
+    err.flush();
+    QTextStream in(stdin);
+    const QString answer = in.readLine().trimmed().toLower();
+    return answer == QLatin1String("y") || answer == QLatin1String("yes");
+}
+
+// What the runner logged of wvdialconf's error output, gathered meanwhile.
+QStringList* collected = nullptr;
+QtMessageHandler previousHandler = nullptr;
+
+void collect(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (collected && type == QtCriticalMsg)
+        collected->append(message.trimmed());
+    if (previousHandler)
+        previousHandler(type, context, message);
+}
+
+} // namespace
 
 namespace commands {
 
@@ -17,12 +68,15 @@ Report wvdialconf(const QStringList& args)
     Report report;
     CommandLine cl(QStringLiteral("wvdialconf"),
                    QStringLiteral("Stops every running dialer (sudo killall pppd, sudo killall wvdial: a\n"
-                                  "data connection in progress is DROPPED), runs wvdialconf to search the\n"
+                                  "data connection in progress is DROPPED; the running ones are listed and\n"
+                                  "stopped only after a yes or with --yes), runs wvdialconf to search the\n"
                                   "serial ports, and prints the search file it wrote:\n"
                                   "<work directory>/modems/wvdial.conf.srch, the work directory being the\n"
                                   "one of /opt/orvel5zel/etc/zel5.conf (QT5EXT_INITCONFIG names another\n"
                                   "configuration file)."));
     const QString TIMEOUT = QStringLiteral("timeout");
+    const QString YES = QStringLiteral("yes");
+    cl.addOption(QCommandLineOption(YES, QStringLiteral("Stop the running dialers without asking.")));
     const QString PROGRAM = QStringLiteral("program");
     cl.addOption(QCommandLineOption(TIMEOUT,
                                     QStringLiteral("Wait at most this many milliseconds for wvdialconf "
@@ -50,17 +104,41 @@ Report wvdialconf(const QStringList& args)
 
     const QString workDir = qt5ext::InitConfig(QStringLiteral("/opt/orvel5zel/etc/zel5.conf"), false).workDir();
     const QString searchFile = QStringLiteral("%1/modems/wvdial.conf.srch").arg(workDir);
+    // Everything wvdialconf needs is checked before any dialer is stopped.
+    const QFileInfo modemsDir(QFileInfo(searchFile).path());
+    if (workDir.isEmpty() || !modemsDir.isDir() || !modemsDir.isWritable()) {
+        report.fail(QStringLiteral("the folder %1 for the search file is not there or not writable (the work "
+                                   "directory comes from /opt/orvel5zel/etc/zel5.conf, or QT5EXT_INITCONFIG); "
+                                   "nothing was stopped")
+                        .arg(modemsDir.filePath()));
+        return report;
+    }
+    const QStringList dialers = runningDialers();
+    if (!dialers.isEmpty() && !cl.isSet(YES) && !confirmed(dialers)) {
+        report.fail(QStringLiteral("%1 would be stopped and their connections dropped; nothing was stopped (run "
+                                   "again with --yes to go on)")
+                        .arg(dialers.join(QStringLiteral(", "))));
+        return report;
+    }
     // Whole seconds: file times may be stored without fractions.
     const QDateTime started = QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch());
 
+    QStringList toolErrors;
+    collected = &toolErrors;
+    previousHandler = qInstallMessageHandler(collect);
     WvDialConfWrapper wrapper;
     wrapper.start(timeout);
+    qInstallMessageHandler(previousHandler);
+    collected = nullptr;
 
     report.json().insert(QStringLiteral("program"), program);
     report.json().insert(QStringLiteral("searchFile"), searchFile);
     const QFileInfo written(searchFile);
     if (!written.exists() || written.lastModified() < started) {
-        report.fail(QStringLiteral("%1 did not write %2 (see --verbose for its output)").arg(program, searchFile));
+        toolErrors.removeAll(QString());
+        report.fail(QStringLiteral("%1 did not write %2: %3")
+                        .arg(program, searchFile,
+                             toolErrors.isEmpty() ? QStringLiteral("it said nothing") : toolErrors.join(QLatin1String("; "))));
         return report;
     }
     QFile file(searchFile);
