@@ -13,12 +13,20 @@ Reads one JSON request from standard input and writes one JSON answer:
                 "text": <the message joined by gammu>}],
    "reports": [{"hex": <PDU>, "number", "status", "reference"}]}
 
+  {"delivers": [hex, ...]}                 # SMS-DELIVER PDUs to decode
+  {"delivers": [{"number", "text", "class", "smsc",
+                 "udh": {...}} or {"error": ...}]}
+
+  {"generate": {"seed": N, "count": M}}   # random messages that gammu encodes
+  {"generated": [{"sender", "text", "class", "pdus": [hex, ...]}]}
+
 Exit status 3 with a message on standard error when gammu cannot be imported.
 """
 
 import binascii
 import datetime
 import json
+import random
 import sys
 
 try:
@@ -113,12 +121,73 @@ def build_reports(requests):
     return answers
 
 
+def decode_delivers(hexes):
+    answers = []
+    for h in hexes:
+        try:
+            d = gammu.DecodePDU(binascii.unhexlify(h), True)
+        except gammu.GSMError as exc:
+            answers.append({"error": str(exc)})
+            continue
+        udh = d["UDH"]
+        answers.append({
+            "number": d["Number"],
+            "text": d["Text"],
+            "class": d["Class"],
+            "smsc": d["SMSC"]["Number"],
+            "udh": {"type": udh["Type"], "id8": udh["ID8bit"], "id16": udh["ID16bit"],
+                    "part": udh["PartNumber"], "all": udh["AllParts"]},
+        })
+    return answers
+
+
+# Characters of the random texts: the whole GSM 7-bit default alphabet but
+# the escape, the extension table, and for UCS2 Cyrillic, CJK and
+# characters beyond the BMP (surrogate pairs).
+GSM_DEFAULT = ("@£$¥èéùìòÇ\nØøÅåΔ_ΦΓΛΩΠΨΣΘΞÆæßÉ !\"#¤%&'()*+,-./0123456789:;<=>?"
+               "¡ABCDEFGHIJKLMNOPQRSTUVWXYZÄÖÑÜ§¿abcdefghijklmnopqrstuvwxyzäöñüà")
+GSM_EXTENSION = "^{}\\[~]|€"
+WIDE = "абвгдеёжзийклмнопрстуфхцчшщъыьэюяАБВЯ你好世界😀🙂🚀𝄞"
+SENDERS = ["MTS", "Beeline", "MegaFon", "InfoSMS", "Bank", "Tele2"]
+
+
+def generate(request):
+    rnd = random.Random(request["seed"])
+    messages = []
+    for _ in range(request["count"]):
+        unicode = rnd.random() < 0.4
+        length = rnd.choice([rnd.randint(1, 60), rnd.randint(61, 400)])
+        if unicode:
+            text = "".join(rnd.choice(WIDE + "abc 123") for _ in range(length))
+        else:
+            alphabet = GSM_DEFAULT * 3 + GSM_EXTENSION
+            text = "".join(rnd.choice(alphabet) for _ in range(length))
+        sender = rnd.choice(SENDERS) if rnd.random() < 0.3 else "+7916%07d" % rnd.randint(0, 9999999)
+        klass = rnd.choice([-1, -1, 0, 1, 2, 3])
+        entry = rnd.choice(["ConcatenatedTextLong", "ConcatenatedTextLong16bit"])
+        info = {"Class": klass, "Unicode": unicode, "Entries": [{"ID": entry, "Buffer": text}]}
+        when = datetime.datetime(2026, 1, 1) + datetime.timedelta(seconds=rnd.randint(0, 300 * 86400))
+        pdus = []
+        for sms in gammu.EncodeSMS(info):
+            sms["SMSC"] = {"Location": 0, "Number": "+79168999100", "Validity": "NA"}
+            sms["Number"] = sender
+            sms["Type"] = "Deliver"
+            sms["DateTime"] = when
+            sms["SMSCDateTime"] = when
+            pdus.append(binascii.hexlify(gammu.EncodePDU(sms, "Deliver")).decode().upper())
+        messages.append({"sender": sender, "text": text, "class": klass, "pdus": pdus})
+    return messages
+
+
 def main():
     request = json.load(sys.stdin)
     answer = {
         "submits": decode_submits(request.get("submits", [])),
         "reports": build_reports(request.get("reports", [])),
+        "delivers": decode_delivers(request.get("delivers", [])),
     }
+    if "generate" in request:
+        answer["generated"] = generate(request["generate"])
     # gammu hands UCS2 text over as UTF-16 code units, so a character beyond
     # the BMP arrives as two lone surrogates; escaped JSON carries them intact
     # whatever the encoding of the standard output.

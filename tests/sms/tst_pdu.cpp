@@ -3,6 +3,7 @@
 // user-data header explanations. Random and malformed input, and random texts
 // read back, are the job of fuzz/fuzz_pdu.
 
+#include "gammupeer.h"
 #include "pdu.h"
 #include "smspdudecoder.h"
 #include "smspduencoder.h"
@@ -18,8 +19,6 @@
 #include <tuple>
 
 namespace {
-
-const QString PYTHON = QStringLiteral("/usr/bin/python3");
 
 // User data octets of a generated TPDU (after the UDL octet).
 int userDataOctets(const PDU& pdu)
@@ -58,10 +57,6 @@ private slots:
     void explainUserDataHeader();
     void peerDecodesGeneratedSubmits();
     void peerStatusReportsAreExplained();
-
-private:
-    // Runs the gammu peer; skips the test when gammu is not installed.
-    QJsonObject runPeer(const QJsonObject& request, bool* skipped);
 };
 
 void TestPdu::knownSubmits_data()
@@ -443,27 +438,6 @@ void TestPdu::explainUserDataHeader()
     QCOMPARE(zelmodems::explainUserDataHeader(header), explanation);
 }
 
-QJsonObject TestPdu::runPeer(const QJsonObject& request, bool* skipped)
-{
-    // Skipped when python3-gammu is missing (exit status 3); a peer that
-    // fails otherwise gives an empty answer, which fails the test.
-    QProcess peer;
-    peer.start(PYTHON, { QStringLiteral(GAMMU_PEER_SCRIPT) });
-    *skipped = !peer.waitForStarted(10000);
-    if (*skipped)
-        return QJsonObject();
-    peer.write(QJsonDocument(request).toJson(QJsonDocument::Compact));
-    peer.closeWriteChannel();
-    if (!peer.waitForFinished(60000)) {
-        peer.kill();
-        peer.waitForFinished();
-    }
-    *skipped = peer.exitStatus() == QProcess::NormalExit && peer.exitCode() == 3;
-    if (peer.exitStatus() != QProcess::NormalExit || peer.exitCode() != 0)
-        qWarning("gammu peer failed: %s", peer.readAllStandardError().constData());
-    return QJsonDocument::fromJson(peer.readAllStandardOutput()).object();
-}
-
 void TestPdu::peerDecodesGeneratedSubmits()
 {
     // gammu decodes what the toolkit generates: number, alphabet, the
@@ -507,7 +481,7 @@ void TestPdu::peerDecodesGeneratedSubmits()
     }
 
     bool skipped = false;
-    const QJsonObject answer = runPeer({ { "submits", submits } }, &skipped);
+    const QJsonObject answer = runGammuPeer({ { "submits", submits } }, &skipped);
     if (skipped)
         QSKIP("The independent decoder is not available: /usr/bin/python3 with python3-gammu "
               "(apt-get install python3-gammu) is needed for this test.");
@@ -555,7 +529,7 @@ void TestPdu::peerStatusReportsAreExplained()
                                  { "status", std::get<2>(c) }, { "scts", "2021-05-11T13:12:16" },
                                  { "dt", "2021-05-11T13:12:20" } };
     bool skipped = false;
-    const QJsonObject answer = runPeer({ { "reports", reports } }, &skipped);
+    const QJsonObject answer = runGammuPeer({ { "reports", reports } }, &skipped);
     if (skipped)
         QSKIP("The independent encoder is not available: /usr/bin/python3 with python3-gammu "
               "(apt-get install python3-gammu) is needed for this test.");
