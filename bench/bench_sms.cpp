@@ -7,6 +7,8 @@
 // and printed too, so that the ratio can be read fairly.
 #include "benchutil.h"
 
+#include "joinedmessage.h"
+#include "shortmessage.h"
 #include "sms.h"
 #include "smspart.h"
 
@@ -122,6 +124,22 @@ int main(int argc, char** argv)
         }
     }) / double(pdus.size());
 
+    // The toolkit's reader of stored messages on the same corpus: decoding,
+    // then decoding and joining each listing.
+    const double shortNs = perPass([&] {
+        for (const QString& pdu : qAsConst(pdus))
+            keep(zelmodems::ShortMessage::decode(pdu));
+    }) / double(pdus.size());
+    const double shortJoinNs = perPass([&] {
+        for (const QStringList& b : batches) {
+            QList<zelmodems::ShortMessage> parts;
+            for (const QString& pdu : b)
+                parts << zelmodems::ShortMessage::decode(pdu);
+            for (const zelmodems::JoinedMessage& message : zelmodems::JoinedMessage::join(parts))
+                keep(message.text());
+        }
+    }) / double(pdus.size());
+
     // The peer, in the same run.
     QProcess peer;
     peer.start(QStringLiteral("/usr/bin/python3"),
@@ -157,6 +175,21 @@ int main(int argc, char** argv)
            gammuJoin > 0 ? fmt(1e9 / gammuJoin, 0) : QStringLiteral("n/a"),
            gammuJoin > 0 ? fmt(gammuJoin / joinNs, 1) + QStringLiteral("x faster") : QString(), QString(),
            QString()});
+    print({section,
+           QStringLiteral("ShortMessage::decode, same PDUs: PDUs per second"),
+           fmt(1e9 / shortNs, 0), gammuName + QStringLiteral(": PDUs per second"),
+           gammuDecode > 0 ? fmt(1e9 / gammuDecode, 0) : QStringLiteral("n/a"),
+           gammuDecode > 0 ? fmt(gammuDecode / shortNs, 1) + QStringLiteral("x faster") : QString(),
+           QStringLiteral("faster per PDU"),
+           gammuDecode > 0 ? (shortNs < gammuDecode ? QStringLiteral("met") : QStringLiteral("missed"))
+                           : QString()});
+    print({section,
+           QStringLiteral("ShortMessage::decode + JoinedMessage::join + text, same listings: parts per second"),
+           fmt(1e9 / shortJoinNs, 0), QStringLiteral("gammu DecodePDU + LinkSMS + DecodeSMS: parts per second"),
+           gammuJoin > 0 && gammuDecode > 0 ? fmt(1e9 / (gammuJoin + gammuDecode), 0) : QStringLiteral("n/a"),
+           gammuJoin > 0 && gammuDecode > 0 ? fmt((gammuJoin + gammuDecode) / shortJoinNs, 1) + QStringLiteral("x faster")
+                                            : QString(),
+           QString(), QString()});
     std::fprintf(stderr, "%d messages joined from %d parts (gammu: %d messages, %d decoding failures)\n",
                  messages, int(pdus.size()), peerResult.value(QStringLiteral("messages")).toInt(),
                  peerResult.value(QStringLiteral("failures")).toInt());

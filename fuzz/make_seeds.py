@@ -163,6 +163,26 @@ def pdu_seeds():
     return seeds
 
 
+def shortmessage_seeds():
+    # The SMS-DELIVER seeds in every form, plus a stored SMS-SUBMIT, a status
+    # report, national language shift tables, ports and an 8-bit part.
+    seeds = []
+    for seed in sms_seeds():
+        seeds.append(seed)
+        seeds.append(bytes([seed[0] | 2]) + seed[1:])
+    more = [
+        "002100098136397339F70008224F60597D4F60597D4F60597D4F60597D",
+        "07914356060013F1065A098136397339F7219011700463802190117004638030",
+        "004001F1000011101021436500" "0C" "06240101250101" "0B0C1C1D",
+        "0040" "0191F1" "0004" "11101021436500" "0A" "060504000B0000" "C0FFEE",
+        "07911356131313F64004850120390011609232239180A006080400100201D7327BFD6EB340E232",
+    ]
+    for pdu in more:
+        seeds.append(b"\x00" + pdu.encode())
+        seeds.append(b"\x01" + bytes.fromhex(pdu))
+    return seeds
+
+
 TARGETS = {
     "fuzz_sms_decode": sms_seeds,
     "fuzz_modemname": modemname_seeds,
@@ -172,6 +192,7 @@ TARGETS = {
     "fuzz_mnctable": mnctable_seeds,
     "fuzz_clientstate": clientstate_seeds,
     "fuzz_pdu": pdu_seeds,
+    "fuzz_shortmessage": shortmessage_seeds,
 }
 
 

@@ -2,7 +2,8 @@
 #include "commandline.h"
 #include "commands.h"
 #include "pdu.h"
-#include "sms.h"
+#include "shortmessage.h"
+#include "storedmessages.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -37,35 +38,55 @@ QStringList indented(const QString& text)
 
 void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
 {
-    // The decoder takes the PDU as the modem lists it, with the centre it
-    // came through in front, and refuses an empty centre: a PDU without one
-    // gets a centre address of just its type octet.
-    const SmsPart part = Sms::decode(withServiceCentre ? hex : QStringLiteral("0191") + hex);
+    const zelmodems::ShortMessage sms = zelmodems::ShortMessage::decode(hex, withServiceCentre);
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("type"), QStringLiteral("SMS-DELIVER"));
-    if (!part.isValid()) {
-        const QString why = part.getErrorString();
-        report.fail(QStringLiteral("invalid SMS-DELIVER: %1")
-                        .arg(why.isEmpty() ? QStringLiteral("the service centre address cannot be read") : why));
+    if (!sms.isValid()) {
+        report.fail(QStringLiteral("invalid SMS-DELIVER: %1").arg(sms.error()));
         return;
     }
+    const auto orNull = [](int value) { return value < 0 ? QJsonValue() : QJsonValue(value); };
     report.line(QStringLiteral("SMS-DELIVER"));
-    report.line(QStringLiteral("  Sender: %1").arg(part.getSenderAddress()));
-    report.line(QStringLiteral("  Service centre time stamp: %1")
-                    .arg(part.getDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))));
-    if (part.getPartCount() > 1)
+    if (!sms.serviceCentre().isEmpty())
+        report.line(QStringLiteral("  Service centre: %1").arg(sms.serviceCentre()));
+    report.line(QStringLiteral("  Sender: %1%2")
+                    .arg(sms.address(), sms.isAlphanumericAddress() ? QStringLiteral(" (alphanumeric)") : QString()));
+    report.line(QStringLiteral("  Service centre time stamp: %1").arg(isoTime(sms.serviceCentreTime())));
+    report.line(QStringLiteral("  Data coding scheme: 0x%1 (%2%3)")
+                    .arg(sms.dataCodingScheme(), 2, 16, QLatin1Char('0'))
+                    .arg(alphabetName(sms.alphabet()))
+                    .arg(sms.messageClass() < 0 ? QString() : QStringLiteral(", class %1").arg(sms.messageClass())));
+    if (!sms.header().isEmpty()) {
+        for (const QString& l : indented(zelmodems::explainUserDataHeader(sms.header())))
+            report.line(QStringLiteral("  ") + l);
+    }
+    if (sms.partCount() > 1)
         report.line(QStringLiteral("  Part %1 of %2, reference %3")
-                        .arg(part.getPartNumber() + 1)
-                        .arg(part.getPartCount())
-                        .arg(QString::fromLatin1(part.getPartId().toHex())));
-    report.line(QStringLiteral("  Text: %1").arg(part.getText()));
-    json.insert(QStringLiteral("sender"), part.getSenderAddress());
-    json.insert(QStringLiteral("dateTime"), part.getDateTime().toString(Qt::ISODate));
-    json.insert(QStringLiteral("partNumber"), part.getPartNumber() + 1);
-    json.insert(QStringLiteral("partCount"), part.getPartCount());
-    if (!part.getPartId().isEmpty())
-        json.insert(QStringLiteral("reference"), QString::fromLatin1(part.getPartId().toHex()));
-    json.insert(QStringLiteral("text"), part.getText());
+                        .arg(sms.partNumber())
+                        .arg(sms.partCount())
+                        .arg(sms.concatReference()));
+    if (sms.alphabet() == PDU::EightBitAlphabet)
+        report.line(QStringLiteral("  Data: %1").arg(QString::fromLatin1(sms.userData().toHex(' ').toUpper())));
+    else
+        report.line(QStringLiteral("  Text: %1").arg(sms.text()));
+    json.insert(QStringLiteral("serviceCentre"), sms.serviceCentre());
+    json.insert(QStringLiteral("sender"), sms.address());
+    json.insert(QStringLiteral("senderType"), sms.addressType());
+    json.insert(QStringLiteral("dateTime"), isoTime(sms.serviceCentreTime()));
+    json.insert(QStringLiteral("dataCodingScheme"), sms.dataCodingScheme());
+    json.insert(QStringLiteral("alphabet"), alphabetName(sms.alphabet()));
+    json.insert(QStringLiteral("class"), orNull(sms.messageClass()));
+    json.insert(QStringLiteral("partNumber"), sms.partNumber());
+    json.insert(QStringLiteral("partCount"), sms.partCount());
+    json.insert(QStringLiteral("reference"), orNull(sms.concatReference()));
+    json.insert(QStringLiteral("destinationPort"), orNull(sms.destinationPort()));
+    json.insert(QStringLiteral("originatorPort"), orNull(sms.originatorPort()));
+    json.insert(QStringLiteral("lockingShiftLanguage"), sms.lockingShiftLanguage());
+    json.insert(QStringLiteral("singleShiftLanguage"), sms.singleShiftLanguage());
+    if (sms.alphabet() == PDU::EightBitAlphabet)
+        json.insert(QStringLiteral("data"), QString::fromLatin1(sms.userData().toHex().toUpper()));
+    else
+        json.insert(QStringLiteral("text"), sms.text());
 }
 
 void explainSubmit(const QString& hex, bool withServiceCentre, Report& report)

@@ -1,11 +1,8 @@
 // The messages of the modem's store: its entries decoded and grouped.
 #include "storedmessages.h"
 
-#include "pdu.h"
-#include "sms.h"
-#include "smspart.h"
-
-#include <QMap>
+#include "joinedmessage.h"
+#include "shortmessage.h"
 
 using zelmodems::StoredPdu;
 
@@ -27,75 +24,41 @@ QString isoTime(const QDateTime& time)
 
 QList<StoredMessage> groupStoredMessages(const QList<StoredPdu>& entries)
 {
-    QList<StoredMessage> messages;
-    // Key of a long message -> its place in `messages`.
-    QMap<QString, int> longMessages;
-    // Texts of the parts of each long message, by part number.
-    QMap<int, QMap<int, QString>> partTexts;
-    QMap<int, QMap<int, int>> partIndexes;
+    // An entry the listing could not read stays an invalid part: a message of
+    // its own that keeps the listing's complaint.
+    QList<zelmodems::ShortMessage> parts;
+    parts.reserve(entries.size());
+    for (const StoredPdu& entry : entries)
+        parts << (entry.isComplete() ? zelmodems::ShortMessage::decode(entry.pdu()) : zelmodems::ShortMessage());
 
-    for (const StoredPdu& entry : entries) {
+    QList<StoredMessage> messages;
+    for (const zelmodems::JoinedMessage& joined : zelmodems::JoinedMessage::join(parts)) {
+        const QList<int> positions = joined.sourcePositions();
+        const StoredPdu& first = entries.at(positions.first());
+        const zelmodems::ShortMessage sms = joined.first();
         StoredMessage message;
-        message.status = entry.status();
-        message.storage = entry.storage();
-        message.outgoing = isOutgoing(entry.status());
-        if (entry.index() >= 0)
-            message.indexes << entry.index();
-        if (!entry.isComplete()) {
-            message.problem = entry.problem();
-            messages << message;
-            continue;
+        message.status = first.status();
+        message.storage = first.storage();
+        message.outgoing = isOutgoing(first.status());
+        for (const int position : positions) {
+            const StoredPdu& entry = entries.at(position);
+            if (entry.index() >= 0)
+                message.indexes << entry.index();
+            if (entry.status() == StoredPdu::Unread)
+                message.status = StoredPdu::Unread;
         }
-        if (message.outgoing) {
-            const PDU::Submit submit = zelmodems::decodeSmsSubmit(entry.pdu());
-            message.decoded = submit.valid();
-            message.problem = submit.error();
-            message.address = submit.recipient();
-            message.text = submit.text();
-            message.partCount = submit.partCount();
-            message.partsPresent << submit.partNumber();
-            messages << message;
-            continue;
+        message.decoded = true;
+        for (const zelmodems::ShortMessage& part : joined.parts()) {
+            if (!part.isValid())
+                message.decoded = false;
+            message.partsPresent << part.partNumber();
         }
-        const SmsPart part = Sms::decode(entry.pdu());
-        message.decoded = part.isValid();
-        message.problem = part.getErrorString();
-        message.address = part.getSenderAddress();
-        message.time = part.getDateTime();
-        message.text = part.getText();
-        message.partCount = qMax(1, part.getPartCount());
-        const int number = part.getPartNumber();
-        if (!message.decoded || message.partCount == 1) {
-            message.partsPresent << 1;
-            messages << message;
-            continue;
-        }
-        const QString key = message.address + QLatin1Char('\n') + QString::fromLatin1(part.getPartId().toHex())
-                          + QLatin1Char('\n') + QString::number(message.partCount);
-        auto known = longMessages.constFind(key);
-        if (known == longMessages.constEnd() || partTexts[*known].contains(number)) {
-            // A new message, or a second copy of a part: kept as its own.
-            message.partsPresent << number;
-            longMessages.insert(key, messages.size());
-            partTexts[messages.size()].insert(number, message.text);
-            partIndexes[messages.size()].insert(number, entry.index());
-            messages << message;
-            continue;
-        }
-        StoredMessage& whole = messages[*known];
-        partTexts[*known].insert(number, message.text);
-        partIndexes[*known].insert(number, entry.index());
-        if (message.status == StoredPdu::Unread)
-            whole.status = StoredPdu::Unread;
-        if (message.time.isValid() && (!whole.time.isValid() || message.time < whole.time))
-            whole.time = message.time;
-    }
-    // Long messages: parts in order, text joined from what is there.
-    for (auto it = partTexts.cbegin(); it != partTexts.cend(); ++it) {
-        StoredMessage& message = messages[it.key()];
-        message.partsPresent = it.value().keys();
-        message.indexes = partIndexes.value(it.key()).values();
-        message.text = QStringList(it.value().values()).join(QString());
+        message.problem = !first.isComplete() ? first.problem() : sms.error();
+        message.address = sms.address();
+        message.time = joined.serviceCentreTime();
+        message.text = joined.text();
+        message.partCount = joined.partCount();
+        messages << message;
     }
     return messages;
 }
