@@ -14,6 +14,10 @@
 
 class QSerialPort;
 
+namespace zelmodems {
+class UssdRequest;
+}
+
 // One modem on one serial port, spoken to in AT commands.
 //
 // Every call is synchronous: it blocks until the modem has answered, failed
@@ -169,6 +173,9 @@ public:
     bool sendMessage(const QString& number, const QString& text);
 
 private:
+    // Sends the same USSD request and reads the same reply, keeping its status.
+    friend class zelmodems::UssdRequest;
+
     // Why a wait for the modem ended.
     enum class Wait { Matched, TimedOut, PortGone };
 

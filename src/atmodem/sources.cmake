@@ -1,4 +1,5 @@
-# The AT command transport and the modem driver; the SMS store and sending.
+# The AT command transport and the modem driver; the SMS store and sending;
+# USSD with the reply status.
 target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atmodem_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.cpp
@@ -12,11 +13,13 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/storedpdu.cpp
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp)
 zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
     ${CMAKE_CURRENT_LIST_DIR}/atcommands.h
     ${CMAKE_CURRENT_LIST_DIR}/storedpdu.h
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.h
     ${CMAKE_CURRENT_LIST_DIR}/atinput.h
-    ${CMAKE_CURRENT_LIST_DIR}/smssender.h)
+    ${CMAKE_CURRENT_LIST_DIR}/smssender.h
+    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.h)

@@ -98,6 +98,8 @@ private slots:
     void realMessages_data();
     void realMessages();
     void peerReadsRealMessagesAlike();
+    void headerElements_data();
+    void headerElements();
     void nationalLanguages_data();
     void nationalLanguages();
     void malformed_data();
@@ -147,6 +149,37 @@ void TestShortMessage::peerReadsRealMessagesAlike()
         QCOMPARE(peer.value("number").toString(), QString::fromUtf8(REAL[i].address));
         QCOMPARE(peer.value("class").toInt(), REAL[i].messageClass);
     }
+}
+
+void TestShortMessage::headerElements_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<QList<int>>("fields"); // reference, part, count, destination port, originator port
+    QTest::newRow("8-bit reference") << QByteArray::fromHex("050003CC0302") << QList<int>{ 0xCC, 2, 3, -1, -1 };
+    QTest::newRow("16-bit reference") << QByteArray::fromHex("06080412340201") << QList<int>{ 0x1234, 1, 2, -1, -1 };
+    QTest::newRow("part 0 stands alone") << QByteArray::fromHex("050003CC0300") << QList<int>{ -1, 1, 1, -1, -1 };
+    QTest::newRow("part past the count stands alone")
+        << QByteArray::fromHex("050003CC0204") << QList<int>{ -1, 1, 1, -1, -1 };
+    QTest::newRow("8-bit ports") << QByteArray::fromHex("0404020B0C") << QList<int>{ -1, 1, 1, 11, 12 };
+    QTest::newRow("16-bit ports and a reference")
+        << QByteArray::fromHex("0B05040B8423F00003050201") << QList<int>{ 5, 1, 2, 2948, 9200 };
+    QTest::newRow("ports of the wrong length are ignored")
+        << QByteArray::fromHex("0705050B8423F000") << QList<int>{ -1, 1, 1, -1, -1 };
+}
+
+void TestShortMessage::headerElements()
+{
+    QFETCH(QByteArray, header);
+    QFETCH(QList<int>, fields);
+    const QByteArray pdu = septetsPdu(header, "A");
+    const ShortMessage m = ShortMessage::decode(pdu);
+    QVERIFY2(m.isValid(), qPrintable(m.error()));
+    QCOMPARE((QList<int>{ m.concatReference(), m.partNumber(), m.partCount(), m.destinationPort(), m.originatorPort() }),
+             fields);
+    QCOMPARE(m.text(), QStringLiteral("A"));
+    // Equal PDUs read equal; a different header does not.
+    QVERIFY(m == ShortMessage::decode(pdu));
+    QVERIFY(m != ShortMessage::decode(septetsPdu(QByteArray::fromHex("050003010101"), "A")));
 }
 
 void TestShortMessage::nationalLanguages_data()

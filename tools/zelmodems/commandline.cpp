@@ -58,6 +58,8 @@ void CommandLine::addModemArguments()
 bool CommandLine::parse(const QStringList& args, Report& report)
 {
     const QString seeHelp = QStringLiteral(" (see zelmodems %1 --help)").arg(m_command);
+    // Even a command line that cannot be parsed gets its error as JSON when asked.
+    report.setJsonOutput(args.contains(QStringLiteral("--json")));
     if (!m_parser.parse(QStringList{QStringLiteral("zelmodems")} + args)) {
         report.fail(m_parser.errorText() + seeHelp, Report::UsageError);
         return false;

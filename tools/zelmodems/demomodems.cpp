@@ -1,4 +1,5 @@
 #include "demomodems.h"
+#include "interruption.h"
 #include "simmodem.h"
 #include "declaredports.h"
 
@@ -33,6 +34,7 @@ DemoModems::~DemoModems()
     // modems behind it stop.
     m_portInfo.reset();
     m_modems.clear();
+    Interruption::keepOnInterrupt(m_dir.path());
 }
 
 QString DemoModems::dataPortLink() const
@@ -73,6 +75,7 @@ bool DemoModems::start(QString* error)
             *error = QStringLiteral("cannot create a scratch folder: %1").arg(m_dir.errorString());
         return false;
     }
+    Interruption::removeOnInterrupt(m_dir.path());
     m_portInfo = std::make_unique<zelmodems::DeclaredPorts>();
     m_portInfo->setDeclaredOnly(true);
     m_portInfo->setDataPortLink(dataPortLink());

@@ -2,14 +2,20 @@
 #include "commands.h"
 #include "console.h"
 #include "declaredports.h"
+#include "interruption.h"
 #include "zelmodemslib_version.h"
 
 #include <QCoreApplication>
+
+#include <cstdio>
+#include <cstring>
 
 #include <signal.h>
 
 int main(int argc, char** argv)
 {
+    // Before any thread starts: Ctrl-C and SIGTERM release the ports.
+    Interruption::install();
     // A reader that goes away (a closed pipe) is a write error to report,
     // not a reason to die half-way.
     ::signal(SIGPIPE, SIG_IGN);
@@ -26,6 +32,16 @@ int main(int argc, char** argv)
         // Critical messages still reach a handler (wvdialconf's complaints
         // are gathered from them for its failure message), not the terminal.
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    }
+
+    if (verbose) {
+        // The dialogue with the modem, yes; the operator table, which the
+        // library logs entry by entry whenever it loads it, no.
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
+            if (type == QtWarningMsg && context.function && strstr(context.function, "loadMncTable"))
+                return;
+            fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+        });
     }
 
     QCoreApplication app(argc, argv);
@@ -68,7 +84,9 @@ int main(int argc, char** argv)
     // included), for the whole run.
     zelmodems::DeclaredPorts ports;
     ports.install();
-    const Report report = commands::dispatch(args);
+    Report report = commands::dispatch(args);
+    if (args.contains(QStringLiteral("--json")))
+        report.setJsonOutput(true);
     const QString name = commands::nameOf(args);
     return report.print(name.isEmpty() ? QStringLiteral("zelmodems") : QStringLiteral("zelmodems ") + name);
 }

@@ -3,6 +3,7 @@
 #include "commandline.h"
 #include "commands.h"
 #include "modemcommand.h"
+#include "ussdrequest.h"
 #include "modemsession.h"
 #include "messagestore.h"
 #include "modemsettings.h"
@@ -136,59 +137,135 @@ bool reportSignal(AtModem& modem, Report& report)
     return true;
 }
 
-// Sends a USSD code; false (and `report` failed) when no reply came.
+// Sends a USSD code; false (and `report` failed) unless the network gave a
+// reply of status 0 or 1. A menu the network keeps open is closed again.
 bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& report)
 {
-    if (modem.sendUSSD(code, reply))
+    zelmodems::UssdRequest ussd(&modem);
+    const bool ok = ussd.send(code);
+    QJsonObject& json = report.json();
+    json.insert(QStringLiteral("code"), code);
+    json.insert(QStringLiteral("status"), ussd.status() < 0 ? QJsonValue() : QJsonValue(ussd.status()));
+    json.insert(QStringLiteral("statusText"),
+                ussd.status() < 0 ? QJsonValue() : QJsonValue(zelmodems::UssdRequest::statusMeaning(ussd.status())));
+    if (ussd.status() == 1)
+        ussd.cancel();
+    reply = ussd.text();
+    if (ok)
         return true;
-    const QString why = modem.lastError();
-    report.fail(QStringLiteral("no USSD reply to %1: %2")
-                    .arg(code, why.isEmpty() ? QStringLiteral("the network did not answer") : why));
+    if (!reply.isEmpty())
+        report.field(QStringLiteral("Reply"), reply);
+    report.fail(QStringLiteral("%1: %2").arg(code, ussd.lastError()));
     return false;
 }
 
-QString hexWithDecimal(const QString& hex)
+// A cell identity or location area code, shown in both notations ("1A2B
+// (6699)") and given in JSON as <name>Decimal and <name>Hex; -1: unknown.
+QString codeText(qlonglong value)
 {
-    bool ok = false;
-    const qulonglong value = hex.toULongLong(&ok, 16);
-    return ok ? QStringLiteral("%1 (%2)").arg(hex).arg(value) : hex;
+    return value < 0 ? QStringLiteral("unknown")
+                     : QStringLiteral("%1 (%2)").arg(QString::number(value, 16).toUpper()).arg(value);
 }
 
-// A cell-list string ("MCC,MNC,cell,LAC,rxlev[,dBm...]" records joined by
-// ";") as JSON objects and as table rows.
+void insertCode(QJsonObject& json, const QString& name, qlonglong value)
+{
+    json.insert(name + QStringLiteral("Decimal"), value < 0 ? QJsonValue() : QJsonValue(value));
+    json.insert(name + QStringLiteral("Hex"),
+                value < 0 ? QJsonValue() : QJsonValue(QString::number(value, 16).toUpper()));
+}
+
+qlonglong number(const QString& text, int base)
+{
+    bool ok = false;
+    const qlonglong value = text.trimmed().toLongLong(&ok, base);
+    return ok && value >= 0 ? value : -1;
+}
+
+// One cell as the lists give it; -1 where a list leaves a field out (SIMCOM
+// names no MCC, MNC or level: 0 there means "not given", as no MCC is 0).
+struct Cell {
+    qlonglong mcc = -1;
+    qlonglong mnc = -1;
+    qlonglong cid = -1;
+    qlonglong lac = -1;
+    qlonglong rxlev = -1;
+    QList<qlonglong> dbm;
+
+    // A record of a cell-list string: "MCC,MNC,cell,LAC,rxlev[,dBm...]", decimal.
+    static Cell fromRecord(const QString& record)
+    {
+        const QStringList f = record.split(QLatin1Char(','));
+        Cell cell;
+        cell.mcc = number(f.value(0), 10);
+        cell.mnc = cell.mcc > 0 ? number(f.value(1), 10) : -1;
+        if (cell.mcc == 0)
+            cell.mcc = -1;
+        cell.cid = number(f.value(2), 10);
+        cell.lac = number(f.value(3), 10);
+        cell.rxlev = number(f.value(4), 10);
+        for (int i = 5; i < f.size(); ++i) {
+            bool ok = false;
+            const qlonglong level = f.at(i).toLongLong(&ok);
+            if (ok)
+                cell.dbm << level;
+        }
+        return cell;
+    }
+
+    QJsonObject json() const
+    {
+        const auto orNull = [](qlonglong v) { return v < 0 ? QJsonValue() : QJsonValue(v); };
+        QJsonObject o;
+        o.insert(QStringLiteral("mcc"), orNull(mcc));
+        o.insert(QStringLiteral("mnc"), orNull(mnc));
+        insertCode(o, QStringLiteral("cid"), cid);
+        insertCode(o, QStringLiteral("lac"), lac);
+        o.insert(QStringLiteral("rxlev"), orNull(rxlev));
+        QJsonArray levels;
+        for (const qlonglong level : dbm)
+            levels.append(level);
+        o.insert(QStringLiteral("dbm"), levels);
+        return o;
+    }
+
+    QString row() const
+    {
+        const auto text = [](qlonglong v) { return v < 0 ? QStringLiteral("-") : QString::number(v); };
+        QStringList levels;
+        for (const qlonglong level : dbm)
+            levels << QString::number(level);
+        return QStringLiteral("  %1 %2 %3 %4 %5 %6")
+            .arg(text(mcc).leftJustified(4), text(mnc).leftJustified(4),
+                 (cid < 0 ? QStringLiteral("-") : codeText(cid)).leftJustified(16),
+                 (lac < 0 ? QStringLiteral("-") : codeText(lac)).leftJustified(14), text(rxlev).leftJustified(6),
+                 levels.join(QLatin1Char(' ')));
+    }
+};
+
+// A cell-list string (records joined by ";") as JSON objects and table rows.
 QJsonArray cellList(const QString& list, QStringList* rows)
 {
     QJsonArray cells;
     for (const QString& record : list.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const QStringList f = record.split(QLatin1Char(','));
-        QJsonObject cell;
-        cell.insert(QStringLiteral("mcc"), f.value(0));
-        cell.insert(QStringLiteral("mnc"), f.value(1));
-        cell.insert(QStringLiteral("cid"), f.value(2));
-        cell.insert(QStringLiteral("lac"), f.value(3));
-        cell.insert(QStringLiteral("rxlev"), f.value(4));
-        QJsonArray levels;
-        for (int i = 5; i < f.size(); ++i) {
-            if (!f.at(i).isEmpty())
-                levels.append(f.at(i));
-        }
-        cell.insert(QStringLiteral("dbm"), levels);
-        cells.append(cell);
-        if (rows) {
-            QStringList dbm;
-            for (const QJsonValue& v : qAsConst(levels))
-                dbm << v.toString();
-            *rows << QStringLiteral("  %1 %2 %3 %4 %5 %6")
-                         .arg(f.value(0).leftJustified(4), f.value(1).leftJustified(4), f.value(2).leftJustified(9),
-                              f.value(3).leftJustified(7), f.value(4).leftJustified(6), dbm.join(QLatin1Char(' ')));
-        }
+        const Cell cell = Cell::fromRecord(record);
+        cells.append(cell.json());
+        *rows << cell.row();
     }
     return cells;
 }
 
 QString cellHeader()
 {
-    return QStringLiteral("  MCC  MNC  CELL      LAC     RXLEV  DBM");
+    return QStringLiteral("  MCC  MNC  CELL (DECIMAL)   LAC (DECIMAL)  RXLEV  DBM");
+}
+
+// The serving cell of AT+CREG (hexadecimal, as modems give it).
+void reportServingCell(const QString& lac, const QString& cid, Report& report)
+{
+    report.field(QStringLiteral("Serving cell"),
+                 QStringLiteral("LAC %1, CID %2").arg(codeText(number(lac, 16)), codeText(number(cid, 16))));
+    insertCode(report.json(), QStringLiteral("lac"), number(lac, 16));
+    insertCode(report.json(), QStringLiteral("cid"), number(cid, 16));
 }
 
 // Neighbour cells of the makes that list them.
@@ -334,9 +411,7 @@ Report info(const QStringList& args)
         QString lac;
         QString cid;
         if (modem.getGsmCells(lac, cid)) {
-            report.field(QStringLiteral("Serving cell"), QStringLiteral("LAC %1, CID %2").arg(lac, cid));
-            json.insert(QStringLiteral("lac"), lac);
-            json.insert(QStringLiteral("cid"), cid);
+            reportServingCell(lac, cid, report);
         } else {
             report.field(QStringLiteral("Serving cell"), unknown);
         }
@@ -355,21 +430,14 @@ Report info(const QStringList& args)
             report.field(QStringLiteral("Revision"), revision);
             json.insert(QStringLiteral("revision"), revision);
         }
-        if (summary.contains(QStringLiteral("gsmCells"))) {
-            QJsonArray cells;
+        // The neighbour cells as the modem listed them (the summary's copy
+        // turns fields the list leaves out into zeros).
+        QString list;
+        if (summary.contains(QStringLiteral("gsmCells")) && neighbourCells(modem, list)) {
             QStringList rows;
-            for (const QVariant& cell : summary.value(QStringLiteral("gsmCells")).toList()) {
-                const QVariantMap c = cell.toMap();
-                cells.append(QJsonObject::fromVariantMap(c));
-                rows << QStringLiteral("  %1 %2 %3 %4")
-                            .arg(c.value(QStringLiteral("mcc")).toString().leftJustified(4),
-                                 c.value(QStringLiteral("mnc")).toString().leftJustified(4),
-                                 c.value(QStringLiteral("cid")).toString().leftJustified(9),
-                                 c.value(QStringLiteral("lac")).toString());
-            }
-            json.insert(QStringLiteral("gsmCells"), cells);
+            json.insert(QStringLiteral("gsmCells"), cellList(list, &rows));
             report.line(QStringLiteral("Cells:"));
-            report.line(QStringLiteral("  MCC  MNC  CELL      LAC"));
+            report.line(cellHeader());
             report.lines(rows);
         }
         // "unknown" above must mean the modem could not tell, not that it
@@ -417,17 +485,14 @@ Report cells(const QStringList& args)
             return;
         }
         if (serving) {
-            report.field(QStringLiteral("Serving cell"),
-                         QStringLiteral("LAC %1, CID %2").arg(hexWithDecimal(lac), hexWithDecimal(cid)));
-            json.insert(QStringLiteral("lac"), lac);
-            json.insert(QStringLiteral("cid"), cid);
+            reportServingCell(lac, cid, report);
         } else {
             report.field(QStringLiteral("Serving cell"), QStringLiteral("unknown"));
         }
         if (neighbours) {
             QStringList rows;
             json.insert(QStringLiteral("cells"), cellList(list, &rows));
-            report.line(QStringLiteral("Cells (cell identity and LAC in decimal):"));
+            report.line(QStringLiteral("Cells (cell identity and LAC in hexadecimal, decimal in brackets):"));
             report.line(cellHeader());
             report.lines(rows);
         }
@@ -490,12 +555,9 @@ Report balance(const QStringList& args)
         QString reply;
         if (!sendUssd(modem, code, reply, report))
             return;
-        // A reply of only a status (ended by the network, not supported)
-        // carries no balance at all.
+        // A reply of only a status carries no balance at all.
         if (reply.trimmed().isEmpty()) {
-            report.fail(QStringLiteral("the network answered %1 without a reply text (the request was ended "
-                                       "or is not supported)")
-                            .arg(code));
+            report.fail(QStringLiteral("the network answered %1 without a reply text").arg(code));
             return;
         }
         // A balance only where the operator's text holds a number.
@@ -504,7 +566,6 @@ Report balance(const QStringList& args)
         report.field(QStringLiteral("Balance"),
                      hasAmount ? QString::number(amount, 'f', 2) : QStringLiteral("not in the reply"));
         report.field(QStringLiteral("Reply"), reply);
-        report.json().insert(QStringLiteral("code"), code);
         report.json().insert(QStringLiteral("amount"), hasAmount ? QJsonValue(amount) : QJsonValue());
         report.json().insert(QStringLiteral("text"), reply);
     });
@@ -521,9 +582,7 @@ Report ussd(const QStringList& args)
         QString reply;
         if (!sendUssd(session.modem(), code, reply, report))
             return;
-        // A reply of only a status (+CUSD: 2 or 4, say) carries no text.
         report.field(QStringLiteral("Reply"), reply.isEmpty() ? QStringLiteral("(no text)") : reply);
-        report.json().insert(QStringLiteral("code"), code);
         report.json().insert(QStringLiteral("reply"), reply);
     });
 }

@@ -141,8 +141,8 @@ void explainStatus(const QString& hex, bool withServiceCentre, Report& report)
     report.lines(indented(zelmodems::explainStatusReport(hex, withServiceCentre)));
     json.insert(QStringLiteral("messageReference"), status.messageReference());
     json.insert(QStringLiteral("recipient"), status.recipient());
-    json.insert(QStringLiteral("serviceCentreTime"), status.serviceCentreTime().toString(Qt::ISODate));
-    json.insert(QStringLiteral("dischargeTime"), status.dischargeTime().toString(Qt::ISODate));
+    json.insert(QStringLiteral("serviceCentreTime"), isoTime(status.serviceCentreTime()));
+    json.insert(QStringLiteral("dischargeTime"), isoTime(status.dischargeTime()));
     json.insert(QStringLiteral("status"), status.status());
     json.insert(QStringLiteral("meaning"), PDU::statusMeaning(status.status()));
 }
