@@ -4,7 +4,12 @@
 #include "pdu.h"
 
 #include <QJsonArray>
+#include <QElapsedTimer>
+#include <QProcess>
 #include <QSerialPort>
+#include <QtTest>
+
+#include <csignal>
 
 #include <memory>
 
@@ -95,6 +100,38 @@ private slots:
         const clitest::Result r = run({"info", modem->devicePath(), "--attempts", "1"}, 90000);
         QCOMPARE(r.exitCode, 1);
         QVERIFY2(r.err.contains("stopped answering"), r.describe());
+    }
+
+    void interruptReleasesThePort_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("Ctrl-C") << int(SIGINT);
+        QTest::newRow("SIGTERM") << int(SIGTERM);
+    }
+
+    void interruptReleasesThePort()
+    {
+        // The signal comes while the tool waits on a modem that no longer
+        // answers the signal query: it ends at once and leaves no lock behind.
+        QFETCH(int, signal);
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        modem->setFault("+CSQ", zelmodems::sim::Fault::Silence);
+        QProcess tool;
+        tool.setProcessEnvironment(clitest::environment());
+        tool.start(QStringLiteral(ZELMODEMS_PATH), {"signal", modem->devicePath()});
+        QVERIFY(tool.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(!modem->log().isEmpty() && modem->log().last().command == "+CSQ", 20000);
+        QElapsedTimer clock;
+        clock.start();
+        ::kill(pid_t(tool.processId()), signal);
+        QVERIFY(tool.waitForFinished(5000));
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(tool.exitCode(), 128 + signal);
+        // The port's lock file went with it.
+        QString name = modem->devicePath();
+        name = name.mid(name.startsWith("/dev/") ? 5 : 0).replace(QLatin1Char('/'), QLatin1Char('_'));
+        QVERIFY(!QFile::exists(QStringLiteral("/var/lock/LCK..") + name));
     }
 
     void busyPortNamesItsHolder()
