@@ -1,6 +1,7 @@
 // modemsim started as a program, as a developer starts it by hand, and
 // driven through the library.
 #include "atmodem.h"
+#include "ussdrequest.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -51,6 +52,55 @@ private slots:
         QCOMPARE(sim.exitCode(), 0);
         const QString log = QString::fromLocal8Bit(sim.readAll());
         QVERIFY2(log.contains(QStringLiteral("ATI")) && log.contains(QStringLiteral("AT+CSQ")), qPrintable(log));
+    }
+
+    void scriptedModem()
+    {
+        // A support engineer's reproduction of a field report: a script file
+        // and a statement on the command line.
+        QTemporaryDir dir;
+        QFile script(dir.filePath(QStringLiteral("report.txt")));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("# no signal, USSD refused, one message\n"
+                     "signal 99,99\n"
+                     "ussd-status *100# 4\n"
+                     "sms +79161234567 Hello\n");
+        script.close();
+        QProcess sim;
+        sim.start(QStringLiteral(MODEMSIM_PATH), {QStringLiteral("--make"), QStringLiteral("cinterion"),
+                                                  QStringLiteral("--script"), script.fileName(),
+                                                  QStringLiteral("--set"), QStringLiteral("vanish-after 20")});
+        QVERIFY(sim.waitForStarted() && sim.waitForReadyRead(5000));
+        const QString device = QString::fromLocal8Bit(sim.readLine()).trimmed().section(QLatin1Char('\t'), 1);
+
+        AtModem modem;
+        QVERIFY2(modem.open(device, 115200, 1), qPrintable(modem.lastError()));
+        QByteArray answer;
+        QVERIFY(modem.sendCommand("+CSQ", answer, 1000));
+        QVERIFY2(answer.contains("+CSQ: 99,99"), answer.constData());
+        QVERIFY(modem.sendCommand("+CMGF=0", answer, 1000));
+        QVERIFY(modem.sendCommand("+CMGL=4", answer, 1000));
+        QVERIFY2(answer.contains("+CMGL: 1,0,"), answer.constData());
+        zelmodems::UssdRequest ussd(&modem);
+        QVERIFY(!ussd.send(QStringLiteral("*100#")));
+        QCOMPARE(ussd.status(), 4);
+        // The twentieth command is the last the device answers.
+        int more = 0;
+        while (more < 20 && modem.sendCommand("+CSQ", answer, 1000))
+            ++more;
+        QVERIFY(more > 0 && more < 20);
+        modem.close();
+        sim.terminate();
+        QVERIFY(sim.waitForFinished(5000));
+    }
+
+    void rejectsBadScript()
+    {
+        QProcess sim;
+        sim.start(QStringLiteral(MODEMSIM_PATH), {QStringLiteral("--set"), QStringLiteral("signal strong")});
+        QVERIFY(sim.waitForFinished(5000));
+        QCOMPARE(sim.exitCode(), 2);
+        QVERIFY(sim.readAllStandardError().contains("signal takes rssi,ber"));
     }
 
     void rejectsUnknownMake()

@@ -1,6 +1,7 @@
 // modemsim: simulated modems on pseudo-terminals, for developing and
 // trying out programs that use the modems library without hardware.
 #include "simmodem.h"
+#include "simscript.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -43,11 +44,32 @@ int main(int argc, char** argv)
         QStringLiteral("Pause before every answer, in milliseconds."), QStringLiteral("ms"), QStringLiteral("0"));
     QCommandLineOption logOpt(QStringLiteral("log"),
         QStringLiteral("Print the commands each modem received when stopping."));
-    parser.addOptions({makeOpt, countOpt, linkOpt, imsiOpt, noEchoOpt, latencyOpt, logOpt});
+    QCommandLineOption setOpt(QStringLiteral("set"),
+        QStringLiteral("A statement of the modems' script, as in a --script file (repeatable): "
+                       "\"signal 99,99\", \"ussd *100# Balance 5 rub\", \"ussd-status *100# 4\", "
+                       "\"sms +79161234567 Hello\", \"sms-pdu HEX [stat]\", \"answer +CGMR 1.0\", "
+                       "\"error +COPS?\", \"silent +CSQ\", \"latency 300\", \"vanish-after 12\", "
+                       "\"no-sms-confirmation\"."),
+        QStringLiteral("statement"));
+    QCommandLineOption scriptOpt(QStringLiteral("script"),
+        QStringLiteral("A file of such statements, one a line ('#' starts a comment)."), QStringLiteral("file"));
+    parser.addOptions({makeOpt, countOpt, linkOpt, imsiOpt, noEchoOpt, latencyOpt, logOpt, setOpt, scriptOpt});
     parser.process(app);
 
     QTextStream out(stdout);
     QTextStream err(stderr);
+
+    SimScript script;
+    QString scriptError;
+    bool scriptOk = true;
+    for (const QString& file : parser.values(scriptOpt))
+        scriptOk = scriptOk && script.addFile(file, &scriptError);
+    for (const QString& statement : parser.values(setOpt))
+        scriptOk = scriptOk && script.add(statement, &scriptError);
+    if (!scriptOk) {
+        err << "modemsim: " << scriptError << '\n';
+        return 2;
+    }
 
     QList<Make> makes;
     for (const QString& name : parser.values(makeOpt)) {
@@ -102,6 +124,7 @@ int main(int argc, char** argv)
                 return 1;
             }
             modem->setLatency(parser.value(latencyOpt).toInt());
+            script.apply(*modem);
             if (!linkDir.isEmpty())
                 modem->createLink(QDir(linkDir).filePath(QStringLiteral("ttySIM%1").arg(index)));
             out << Profile::makeName(make) << '\t' << modem->devicePath() << Qt::endl;

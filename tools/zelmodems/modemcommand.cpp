@@ -1,6 +1,8 @@
 #include "modemcommand.h"
 #include "modemsession.h"
 
+#include <QFileInfo>
+
 ModemCommand::ModemCommand(const QString& name, const QString& help)
     : m_commandLine(name, help)
 {
@@ -18,5 +20,9 @@ Report ModemCommand::run(const QStringList& args, const Work& work)
     if (!session.open(m_commandLine, report))
         return report;
     work(session, m_commandLine, report);
+    // A failure because the device went away (pulled out, powered off) is
+    // named as such rather than as the command's own complaint.
+    if (report.failed() && !QFileInfo::exists(session.devicePath()))
+        report.fail(QStringLiteral("%1 disappeared during the command (%2)").arg(session.portName(), report.error()));
     return report;
 }

@@ -59,6 +59,7 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
     m_portName = commandLine.port();
     const zelmodems::PortCatalogue& ports = zelmodems::PortCatalogue::instance();
     const QString device = ports.devicePath(m_portName);
+    m_device = device;
     const auto* tool = dynamic_cast<const zelmodems::DeclaredPorts*>(&ports);
     const bool known = tool ? tool->exists(m_portName)
                             : ports.port(m_portName).exists || QFileInfo::exists(device);

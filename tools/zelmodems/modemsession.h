@@ -24,6 +24,8 @@ public:
 
     AtModem& modem() { return m_modem; }
     QString portName() const { return m_portName; }
+    // The device node behind the port name.
+    QString devicePath() const { return m_device; }
 
     // The operator codes of the SIM, for commands that need the operator's
     // entry; false (and `report` failed) when the modem cannot tell.
@@ -32,4 +34,5 @@ public:
 private:
     AtModem m_modem;
     QString m_portName;
+    QString m_device;
 };

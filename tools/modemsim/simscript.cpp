@@ -1,0 +1,154 @@
+#include "simscript.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <atomic>
+#include <memory>
+
+using namespace zelmodems::sim;
+
+namespace {
+
+// Statement word, then the rest split once or twice on blanks.
+struct Parsed {
+    QString word;
+    QString first;
+    QString rest;      // everything after `first`
+};
+
+Parsed parse(const QString& statement)
+{
+    Parsed p;
+    const QString s = statement.trimmed();
+    const int a = s.indexOf(QLatin1Char(' '));
+    p.word = a < 0 ? s : s.left(a);
+    const QString tail = a < 0 ? QString() : s.mid(a + 1).trimmed();
+    const int b = tail.indexOf(QLatin1Char(' '));
+    p.first = b < 0 ? tail : tail.left(b);
+    p.rest = b < 0 ? QString() : tail.mid(b + 1).trimmed();
+    return p;
+}
+
+bool isLatin(const QString& text)
+{
+    for (const QChar c : text) {
+        if (c.unicode() > 0x7E)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool SimScript::add(const QString& statement, QString* error)
+{
+    const Parsed p = parse(statement);
+    const auto fail = [&](const QString& why) {
+        *error = QStringLiteral("\"%1\": %2").arg(statement.trimmed(), why);
+        return false;
+    };
+    bool ok = true;
+    if (p.word == QLatin1String("signal")) {
+        if (!QRegularExpression(QStringLiteral("^\\d{1,2},\\d{1,2}$")).match(p.first).hasMatch() || !p.rest.isEmpty())
+            return fail(QStringLiteral("signal takes rssi,ber (for example 20,99)"));
+    } else if (p.word == QLatin1String("ussd") || p.word == QLatin1String("sms") || p.word == QLatin1String("answer")) {
+        if (p.first.isEmpty() || p.rest.isEmpty())
+            return fail(QStringLiteral("%1 takes a %2 and a text").arg(p.word, p.word == QLatin1String("sms")
+                                                                                     ? QStringLiteral("sender")
+                                                                                     : QStringLiteral("code")));
+    } else if (p.word == QLatin1String("ussd-status")) {
+        const int status = parse(p.rest).word.toInt(&ok);
+        if (p.first.isEmpty() || !ok || status < 0 || status > 5)
+            return fail(QStringLiteral("ussd-status takes a code and a status from 0 to 5"));
+    } else if (p.word == QLatin1String("sms-pdu")) {
+        const QByteArray hex = p.first.toLatin1();
+        const int stat = p.rest.isEmpty() ? 1 : p.rest.toInt(&ok);
+        if (hex.isEmpty() || hex.size() % 2 || QByteArray::fromHex(hex).toHex().toUpper() != hex.toUpper() || !ok
+            || stat < 0 || stat > 3)
+            return fail(QStringLiteral("sms-pdu takes a PDU in hexadecimal and a status from 0 to 3"));
+    } else if (p.word == QLatin1String("error") || p.word == QLatin1String("silent")) {
+        if (p.first.isEmpty() || !p.rest.isEmpty())
+            return fail(QStringLiteral("%1 takes one command, as after AT (+CSQ)").arg(p.word));
+    } else if (p.word == QLatin1String("latency") || p.word == QLatin1String("vanish-after")) {
+        const int n = p.first.toInt(&ok);
+        if (!ok || n < 0 || !p.rest.isEmpty())
+            return fail(QStringLiteral("%1 takes a number").arg(p.word));
+    } else if (p.word == QLatin1String("no-sms-confirmation")) {
+        if (!p.first.isEmpty())
+            return fail(QStringLiteral("no-sms-confirmation takes nothing"));
+    } else {
+        return fail(QStringLiteral("unknown statement \"%1\"").arg(p.word));
+    }
+    m_statements << statement.trimmed();
+    return true;
+}
+
+bool SimScript::addFile(const QString& path, QString* error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        *error = QStringLiteral("cannot read %1: %2").arg(path, file.errorString());
+        return false;
+    }
+    int number = 0;
+    while (!file.atEnd()) {
+        ++number;
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+            continue;
+        QString why;
+        if (!add(line, &why)) {
+            *error = QStringLiteral("%1:%2: %3").arg(path).arg(number).arg(why);
+            return false;
+        }
+    }
+    return true;
+}
+
+void SimScript::apply(SimModem& modem) const
+{
+    for (const QString& statement : m_statements) {
+        const Parsed p = parse(statement);
+        const QByteArray first = p.first.toLatin1();
+        if (p.word == QLatin1String("signal")) {
+            modem.setAnswer("+CSQ", "+CSQ: " + first);
+        } else if (p.word == QLatin1String("ussd")) {
+            modem.setUssdReply(first, isLatin(p.rest) ? Ussd::plain(p.rest.toLatin1()) : Ussd::ucs2(p.rest));
+        } else if (p.word == QLatin1String("ussd-status")) {
+            const Parsed status = parse(p.rest);
+            const int value = status.word.toInt();
+            const QString text = p.rest.mid(status.word.size()).trimmed();
+            modem.setUssdReply(first, text.isEmpty() ? Ussd::statusOnly(value)
+                                      : isLatin(text) ? Ussd::plain(text.toLatin1(), 15, value)
+                                                      : Ussd::ucs2(text, value));
+        } else if (p.word == QLatin1String("sms")) {
+            const QDateTime now = QDateTime::currentDateTime();
+            modem.storeSms(isLatin(p.rest) ? DeliverPdu::gsm7(first, now, p.rest.toLatin1())
+                                           : DeliverPdu::ucs2(first, now, p.rest),
+                           0);
+        } else if (p.word == QLatin1String("sms-pdu")) {
+            modem.storeSms(first.toUpper(), p.rest.isEmpty() ? 1 : p.rest.toInt());
+        } else if (p.word == QLatin1String("answer")) {
+            modem.setAnswer(first, p.rest.toUtf8());
+        } else if (p.word == QLatin1String("error")) {
+            modem.setFault(first, Fault::Error);
+        } else if (p.word == QLatin1String("silent")) {
+            modem.setFault(first, Fault::Silence);
+        } else if (p.word == QLatin1String("latency")) {
+            modem.setLatency(p.first.toInt());
+        } else if (p.word == QLatin1String("vanish-after")) {
+            // Counts every command; the device goes once the last one is answered.
+            auto left = std::make_shared<std::atomic<int>>(p.first.toInt());
+            SimModem* target = &modem;
+            modem.addHandler([left, target](const QByteArray&) -> std::optional<Reply> {
+                if (left->fetch_sub(1) == 1)
+                    target->vanishAfter(0);
+                return std::nullopt;
+            });
+        } else if (p.word == QLatin1String("no-sms-confirmation")) {
+            modem.setSmsConfirmation(false);
+        }
+    }
+}
