@@ -3,6 +3,7 @@
 #include "clifixture.h"
 
 #include <QJsonArray>
+#include <QSerialPort>
 
 using clitest::run;
 using zelmodems::sim::Make;
@@ -59,6 +60,33 @@ private slots:
         }
         QVERIFY2(lines.contains(QString()) && text.out.contains("2 modem(s) on 3 port(s), probed in "),
                  text.describe());
+    }
+
+    void namesWhyPortsGaveNoModem()
+    {
+        // Every port that gave no modem gets a reason: a SIM that cannot be
+        // read, a port another program holds, a missing device, a file
+        // that is no serial port.
+        auto noSim = clitest::startModem(Make::Huawei);
+        auto held = clitest::startModem(Make::Cinterion);
+        QVERIFY(noSim && held);
+        noSim->setFault("+CIMI", zelmodems::sim::Fault::Error);
+        QSerialPort holder(held->devicePath());
+        QVERIFY(holder.open(QIODevice::ReadWrite));
+        const clitest::Result r = run({"find", "--json", noSim->devicePath(), held->devicePath(),
+                                       "/nonexistent/ttyUSB9", "/dev/null"});
+        QCOMPARE(r.exitCode, 1);
+        QMap<QString, QString> reasons;
+        for (const QJsonValue& v : r.json().value("withoutModem").toArray())
+            reasons.insert(v.toObject().value("port").toString(), v.toObject().value("reason").toString());
+        QCOMPARE(reasons.size(), 4);
+        QVERIFY2(reasons.value(noSim->devicePath()).contains("without SIM or operator: AT+CIMI answered \"ERROR\""),
+                 r.describe());
+        QVERIFY2(reasons.value(held->devicePath())
+                     .startsWith(QStringLiteral("in use by another program (pid %1").arg(QCoreApplication::applicationPid())),
+                 r.describe());
+        QCOMPARE(reasons.value("/nonexistent/ttyUSB9"), QStringLiteral("no such device"));
+        QVERIFY2(reasons.value("/dev/null").startsWith("cannot be opened as a serial port"), r.describe());
     }
 
     void demoText()

@@ -6,8 +6,14 @@
 #include "modemsfinder.h"
 #include "progressline.h"
 #include "declaredports.h"
+#include "modemsession.h"
+#include "atmodem.h"
 
 #include <QElapsedTimer>
+#include <QFileInfo>
+#include <QSerialPort>
+#include <QThreadPool>
+#include <QtConcurrent>
 #include <QEventLoop>
 #include <QFuture>
 #include <QFutureWatcher>
@@ -16,6 +22,8 @@
 #include <QMap>
 #include <QSet>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -107,6 +115,69 @@ QStringList tableLines(const QList<QStringList>& rows)
     return lines;
 }
 
+// Why a port gave no modem, found out after the search (its probes have
+// closed and unlocked every port): no device, a holder, silence, or a modem
+// whose SIM cannot be read. Runs on a worker thread of its own.
+QString reasonFor(const QString& device)
+{
+    if (!QFileInfo::exists(device))
+        return QStringLiteral("no such device");
+    const QString holder = ModemSession::holderOf(device);
+    if (!holder.isEmpty())
+        return QStringLiteral("in use by another program (%1)").arg(holder);
+    {
+        QSerialPort port(device);
+        if (!port.open(QIODevice::ReadWrite))
+            return QStringLiteral("cannot be opened as a serial port: %1").arg(port.errorString());
+    }
+    AtModem modem;
+    if (!modem.open(device, 115200, 1)) {
+        if (!QFileInfo::exists(device))
+            return QStringLiteral("the device disappeared");
+        const QString why = modem.lastError();
+        return QStringLiteral("not a modem: no answer to AT at 115200 baud%1 (a modem that takes only another "
+                              "line speed: try zelmodems info --baud)")
+            .arg(why.isEmpty() ? QString() : QStringLiteral(": ") + why);
+    }
+    QString imsi;
+    if (!modem.getImsi(imsi)) {
+        QByteArray answer;
+        modem.sendCommand("+CIMI", answer, 1000);
+        const QString text = QString::fromLatin1(answer.simplified());
+        if (text.isEmpty())
+            return QStringLiteral("a modem (%1) without SIM or operator: no answer to AT+CIMI").arg(modem.name());
+        return QStringLiteral("a modem (%1) without SIM or operator: AT+CIMI answered \"%2\"").arg(modem.name(), text);
+    }
+    int mcc = 0;
+    int mnc = 0;
+    if (!modem.getMnc(mcc, mnc))
+        return QStringLiteral("a modem (%1) whose SIM's operator cannot be read (IMSI %2)").arg(modem.name(), imsi);
+    QString imei;
+    modem.getImei(imei);
+    // The found modems' IMEIs are compared with this one afterwards.
+    return QStringLiteral("a modem (%1, operator %2/%3) that the search did not take; see zelmodems info\n%4")
+        .arg(modem.name())
+        .arg(mcc)
+        .arg(mnc, 2, 10, QLatin1Char('0'))
+        .arg(imei);
+}
+
+// The reasons of every port in `ports`, found in parallel.
+QMap<QString, QString> reasonsFor(const QStringList& ports, const zelmodems::DeclaredPorts* catalogue)
+{
+    QThreadPool pool;
+    pool.setMaxThreadCount(qBound(1, ports.size(), 64));
+    QMap<QString, QFuture<QString>> running;
+    for (const QString& port : ports) {
+        const QString device = catalogue ? catalogue->devicePath(port) : port;
+        running.insert(port, QtConcurrent::run(&pool, reasonFor, device));
+    }
+    QMap<QString, QString> reasons;
+    for (auto it = running.begin(); it != running.end(); ++it)
+        reasons.insert(it.key(), it.value().result());
+    return reasons;
+}
+
 } // namespace
 
 namespace commands {
@@ -174,7 +245,38 @@ Report find(const QStringList& args)
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("ports"), QJsonArray::fromStringList(names));
     json.insert(QStringLiteral("elapsedMs"), elapsed);
+
+    // One line per port that gave no modem, with the reason.
+    std::sort(found.begin(), found.end(),
+              [](const ModemInfo& a, const ModemInfo& b) { return a.portName() < b.portName(); });
+    QSet<QString> taken;
+    for (const ModemInfo& modem : qAsConst(found))
+        taken << modem.portName() << modem.cmdPortName();
+    QStringList others;
+    for (const QString& port : qAsConst(names)) {
+        if (!taken.contains(port))
+            others << port;
+    }
+    const QMap<QString, QString> reasons = reasonsFor(others, ports);
+    QJsonArray without;
+    QStringList reasonLines;
+    for (auto it = reasons.cbegin(); it != reasons.cend(); ++it) {
+        QString reason = it.value().section(QLatin1Char('\n'), 0, 0);
+        const QString imei = it.value().section(QLatin1Char('\n'), 1);
+        for (const ModemInfo& modem : qAsConst(found)) {
+            if (!imei.isEmpty() && modem.imei() == imei)
+                reason = QStringLiteral("another interface of the modem on %1 (IMEI %2)").arg(modem.portName(), imei);
+        }
+        without.append(QJsonObject{ { QStringLiteral("port"), it.key() }, { QStringLiteral("reason"), reason } });
+        reasonLines << QStringLiteral("  %1: %2").arg(it.key(), reason);
+    }
+    json.insert(QStringLiteral("withoutModem"), without);
+
     if (found.isEmpty()) {
+        if (!reasonLines.isEmpty()) {
+            report.line(QStringLiteral("Ports without a modem:"));
+            report.lines(reasonLines);
+        }
         report.fail(QStringLiteral("%1 (%2 port(s) probed in %3)")
                         .arg(noDevices.isEmpty() ? QStringLiteral("no modem found") : noDevices)
                         .arg(names.size())
@@ -210,6 +312,10 @@ Report find(const QStringList& args)
                     .arg(found.size())
                     .arg(names.size())
                     .arg(seconds(elapsed)));
+    if (!reasonLines.isEmpty()) {
+        report.line(QStringLiteral("Ports without a modem:"));
+        report.lines(reasonLines);
+    }
     return report;
 }
 

@@ -6,12 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-namespace {
-
-// The program that holds `device`, from the UUCP lock file that serial
-// programs (QSerialPort, pppd, minicom) write its pid into: "pid N (name)",
-// or empty when no live process holds a lock on it.
-QString holderOf(const QString& device)
+QString ModemSession::holderOf(const QString& device)
 {
     // The lock is named after the device's path below /dev, its slashes as
     // underscores (LCK..ttyUSB0, LCK..pts_3).
@@ -47,7 +42,7 @@ QString holderOf(const QString& device)
     return QString();
 }
 
-} // namespace
+
 
 ModemSession::~ModemSession()
 {

@@ -27,6 +27,11 @@ public:
     // The device node behind the port name.
     QString devicePath() const { return m_device; }
 
+    // The program that holds `device`, from the UUCP lock file that serial
+    // programs (QSerialPort, pppd, minicom) write its pid into: "pid N,
+    // name", or empty when no live process holds a lock on it.
+    static QString holderOf(const QString& device);
+
     // The operator codes of the SIM, for commands that need the operator's
     // entry; false (and `report` failed) when the modem cannot tell.
     bool operatorCodes(int& mcc, int& mnc, Report& report);

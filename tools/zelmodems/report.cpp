@@ -79,15 +79,17 @@ int Report::print(const QString& who) const
     }
     if (failed()) {
         // Whatever was gathered before the failure is still worth showing
-        // to a person; a program gets the message and the status only
-        // ({"error": ..., "exitStatus": N}), on standard output as well.
+        // to a person; a program gets it too, with "error" and "exitStatus"
+        // added, on standard output as well.
         if (!asJson && !m_lines.isEmpty() && !m_printed)
             Console::out() << escapedLines(m_lines);
         // A program reading JSON gets the failure as JSON too.
-        if (asJson && !m_printed)
-            Console::out() << QJsonDocument(QJsonObject{ { QStringLiteral("error"), m_error },
-                                                         { QStringLiteral("exitStatus"), m_status } })
-                                  .toJson(QJsonDocument::Indented);
+        if (asJson && !m_printed) {
+            QJsonObject failure = m_json;
+            failure.insert(QStringLiteral("error"), m_error);
+            failure.insert(QStringLiteral("exitStatus"), m_status);
+            Console::out() << QJsonDocument(failure).toJson(QJsonDocument::Indented);
+        }
         checkedOutput(who, m_status);
         Console::err() << who << ": " << escaped(m_error) << '\n';
         Console::err().flush();
