@@ -134,8 +134,6 @@ private slots:
                                    << "zelmodems sms list: no such port: ttyNOSUCH9";
         QTest::newRow("balance") << QStringList{"balance", "/dev/ttyNOSUCH9", "--code", "*100#"}
                                  << "no such port: /dev/ttyNOSUCH9";
-        QTest::newRow("find") << QStringList{"find", "/nonexistent/ttyUSB7", "ttyNOSUCH9"}
-                              << "zelmodems find: There no devices finded (2 port(s) probed";
     }
 
     void missingPort()
