@@ -98,6 +98,8 @@ for building programs on ZelModemsLib.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME "zelmodems-tools")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_COMPONENT_TOOLS_DEPENDS runtime simulator)
+# zelmodems wvdialconf runs it; nothing else needs it.
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "wvdial, bash-completion")
 set(CPACK_COMPONENT_TOOLS_DISPLAY_NAME "ZelModemsLib tools")
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
     "modem command-line tool and modem simulator

@@ -98,6 +98,10 @@ QString DeclaredPorts::normalize(const QString& portName) const
         if (d->ports.contains(portName))
             return portName;
     }
+    // A relative path (./ttySIM0, sim/ttySIM0) is taken from the working
+    // directory; a bare name (ttyUSB0) stays a name below /dev.
+    if (portName.contains(QLatin1Char('/')) && !portName.startsWith(QLatin1Char('/')))
+        return QFileInfo(portName).absoluteFilePath();
     if (portName.startsWith(QStringLiteral("/dev/"))) {
         const QString bare = portName.mid(5);
         if (!bare.contains(QLatin1Char('/')) && PortCatalogue::port(bare).exists)

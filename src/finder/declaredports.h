@@ -51,7 +51,8 @@ public:
 
     // The name the search should use for what a person typed: /dev/ttyUSB0
     // becomes ttyUSB0 when the system lists it (the search groups a USB
-    // modem's interfaces and matches the data-interface link by bare names).
+    // modem's interfaces and matches the data-interface link by bare names);
+    // a relative path becomes absolute, taken from the working directory.
     QString normalize(const QString& portName) const;
     // The port or device exists (for a clear message before opening it).
     bool exists(const QString& portName) const;

@@ -253,10 +253,17 @@ private slots:
         for (const Entry& e : m_contents.value(RUNTIME))
             QVERIFY2(!e.path.contains(QStringLiteral("/include/")) && !e.path.endsWith(QStringLiteral(".so")),
                      qPrintable(e.path));
-        for (const Entry& e : m_contents.value(TOOLS))
+        QStringList toolFiles;
+        for (const Entry& e : m_contents.value(TOOLS)) {
             QVERIFY2(e.directory || e.path.contains(QStringLiteral("/bin/"))
-                         || e.path.contains(QStringLiteral("/share/doc/")),
+                         || e.path.contains(QStringLiteral("/share/doc/"))
+                         || e.path.contains(QStringLiteral("/share/man/man1/"))
+                         || e.path.contains(QStringLiteral("/share/bash-completion/completions/")),
                      qPrintable(e.path));
+            toolFiles << e.path.section(QLatin1Char('/'), -2);
+        }
+        for (const char* file : { "man1/zelmodems.1", "man1/modemsim.1", "completions/zelmodems", "completions/modemsim" })
+            QVERIFY2(toolFiles.contains(QLatin1String(file)), file);
     }
 
     void packagedToolRunsFromScratchRoot()

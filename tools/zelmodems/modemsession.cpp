@@ -53,6 +53,8 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
 {
     m_portName = commandLine.port();
     const zelmodems::PortCatalogue& ports = zelmodems::PortCatalogue::instance();
+    if (const auto* declared = dynamic_cast<const zelmodems::DeclaredPorts*>(&ports))
+        m_portName = declared->normalize(m_portName);
     const QString device = ports.devicePath(m_portName);
     m_device = device;
     const auto* tool = dynamic_cast<const zelmodems::DeclaredPorts*>(&ports);
