@@ -7,11 +7,71 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+namespace {
+
+// Starts modemsim with `args`; the device path of its (first) modem.
+QString startSim(QProcess& sim, const QStringList& args)
+{
+    sim.start(QStringLiteral(MODEMSIM_PATH), args);
+    if (!sim.waitForStarted() || !sim.waitForReadyRead(5000))
+        return QString();
+    return QString::fromLocal8Bit(sim.readLine()).trimmed().section(QLatin1Char('\t'), 1);
+}
+
+// zelmodems' standard output, or its failure.
+QString runTool(const QStringList& args)
+{
+    QProcess tool;
+    tool.start(QStringLiteral(ZELMODEMS_PATH), args);
+    if (!tool.waitForFinished(60000) || tool.exitCode() != 0)
+        return QStringLiteral("failed: ") + QString::fromLocal8Bit(tool.readAllStandardError());
+    return QString::fromLocal8Bit(tool.readAllStandardOutput());
+}
+
+} // namespace
+
 class TestModemsimProcess : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void recordAndReplay_data()
+    {
+        QTest::addColumn<QString>("make");
+        QTest::addColumn<QStringList>("command");
+        QTest::newRow("huawei info") << "huawei" << QStringList{"info"};
+        QTest::newRow("simcom cells") << "simcom" << QStringList{"cells"};
+        QTest::newRow("cinterion balance") << "cinterion" << QStringList{"balance", "--code", "*100#"};
+    }
+
+    void recordAndReplay()
+    {
+        // A session recorded against one modem, played back by another
+        // modemsim: the tool cannot tell the two apart.
+        QFETCH(QString, make);
+        QFETCH(QStringList, command);
+        QTemporaryDir dir;
+        const QString recording = dir.filePath(QStringLiteral("session.rec"));
+        QProcess sim;
+        const QString device = startSim(sim, {QStringLiteral("--make"), make, QStringLiteral("--set"),
+                                              QStringLiteral("ussd *100# Balance 7.25 rub")});
+        QVERIFY(!device.isEmpty());
+        const QString live = runTool(QStringList{command.first(), device, QStringLiteral("--record"), recording}
+                                       + command.mid(1));
+        sim.terminate();
+        QVERIFY(sim.waitForFinished(5000));
+
+        QProcess replay;
+        const QString replayed = startSim(replay, {QStringLiteral("--replay"), recording});
+        QVERIFY(!replayed.isEmpty());
+        const QString again = runTool(QStringList{command.first(), replayed} + command.mid(1));
+        replay.terminate();
+        QVERIFY(replay.waitForFinished(5000));
+        QVERIFY2(!live.startsWith("failed") && live.size() > 20, qPrintable(live));
+        // The port's own name is the only difference.
+        QCOMPARE(QString(again).replace(replayed, device), live);
+    }
+
     void libraryDrivesSimulatedModems()
     {
         QTemporaryDir dir;
@@ -67,11 +127,10 @@ private slots:
                      "sms +79161234567 Hello\n");
         script.close();
         QProcess sim;
-        sim.start(QStringLiteral(MODEMSIM_PATH), {QStringLiteral("--make"), QStringLiteral("cinterion"),
-                                                  QStringLiteral("--script"), script.fileName(),
-                                                  QStringLiteral("--set"), QStringLiteral("vanish-after 20")});
-        QVERIFY(sim.waitForStarted() && sim.waitForReadyRead(5000));
-        const QString device = QString::fromLocal8Bit(sim.readLine()).trimmed().section(QLatin1Char('\t'), 1);
+        const QString device = startSim(sim, {QStringLiteral("--make"), QStringLiteral("cinterion"),
+                                              QStringLiteral("--script"), script.fileName(),
+                                              QStringLiteral("--set"), QStringLiteral("vanish-after 20")});
+        QVERIFY(!device.isEmpty());
 
         AtModem modem;
         QVERIFY2(modem.open(device, 115200, 1), qPrintable(modem.lastError()));

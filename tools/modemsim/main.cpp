@@ -1,6 +1,7 @@
 // modemsim: simulated modems on pseudo-terminals, for developing and
 // trying out programs that use the modems library without hardware.
 #include "simmodem.h"
+#include "recordeddialogue.h"
 #include "simscript.h"
 
 #include <QCommandLineParser>
@@ -53,7 +54,12 @@ int main(int argc, char** argv)
         QStringLiteral("statement"));
     QCommandLineOption scriptOpt(QStringLiteral("script"),
         QStringLiteral("A file of such statements, one a line ('#' starts a comment)."), QStringLiteral("file"));
-    parser.addOptions({makeOpt, countOpt, linkOpt, imsiOpt, noEchoOpt, latencyOpt, logOpt, setOpt, scriptOpt});
+    QCommandLineOption replayOpt(QStringLiteral("replay"),
+        QStringLiteral("Play back a dialogue recorded with zelmodems --record: one modem that answers "
+                       "each command as the recorded modem did."),
+        QStringLiteral("file"));
+    parser.addOptions({makeOpt, countOpt, linkOpt, imsiOpt, noEchoOpt, latencyOpt, logOpt, setOpt, scriptOpt,
+                       replayOpt});
     parser.process(app);
 
     QTextStream out(stdout);
@@ -70,6 +76,12 @@ int main(int argc, char** argv)
         err << "modemsim: " << scriptError << '\n';
         return 2;
     }
+    RecordedDialogue recording;
+    const bool replay = parser.isSet(replayOpt);
+    if (replay && !recording.load(parser.value(replayOpt), &scriptError)) {
+        err << "modemsim: " << scriptError << '\n';
+        return 2;
+    }
 
     QList<Make> makes;
     for (const QString& name : parser.values(makeOpt)) {
@@ -82,7 +94,7 @@ int main(int argc, char** argv)
         makes << make;
     }
     if (makes.isEmpty())
-        makes << Make::Huawei;
+        makes << (replay ? Make::Unknown : Make::Huawei);
     bool countOk = false;
     const int copies = parser.value(countOpt).toInt(&countOk);
     if (!countOk || copies < 1 || copies > 1000) {
@@ -124,6 +136,8 @@ int main(int argc, char** argv)
                 return 1;
             }
             modem->setLatency(parser.value(latencyOpt).toInt());
+            if (replay)
+                recording.apply(*modem);
             script.apply(*modem);
             if (!linkDir.isEmpty())
                 modem->createLink(QDir(linkDir).filePath(QStringLiteral("ttySIM%1").arg(index)));

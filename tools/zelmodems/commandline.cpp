@@ -53,6 +53,10 @@ void CommandLine::addModemArguments()
                                           QStringLiteral("Attempts to open the port and get an answer "
                                                          "(default 3; a silent port costs about 6 s each)."),
                                           QStringLiteral("n"), QStringLiteral("3")));
+    m_parser.addOption(QCommandLineOption(QStringLiteral("record"),
+                                          QStringLiteral("Write the whole dialogue with the modem (bytes, timings, "
+                                                         "line speeds) to <file>; modemsim --replay plays it back."),
+                                          QStringLiteral("file")));
 }
 
 bool CommandLine::parse(const QStringList& args, Report& report)

@@ -69,10 +69,16 @@ int main(int argc, char** argv)
     // Global options may come before the subcommand as well as after it
     // (zelmodems --json signal ttyUSB2); the commands read them anywhere.
     QStringList leading;
-    while (!args.isEmpty()
-           && (args.first() == QLatin1String("--json") || args.first() == QLatin1String("--verbose")
-               || args.first() == QLatin1String("-v")))
-        leading << args.takeFirst();
+    while (!args.isEmpty()) {
+        const QString option = args.first();
+        if (option == QLatin1String("--json") || option == QLatin1String("--verbose") || option == QLatin1String("-v")
+            || option.startsWith(QLatin1String("--record=")))
+            leading << args.takeFirst();
+        else if (option == QLatin1String("--record") && args.size() > 1)
+            leading << args.takeFirst() << args.takeFirst();
+        else
+            break;
+    }
     if (args.isEmpty()) {
         Console::err() << commands::overview();
         Console::err().flush();

@@ -64,7 +64,18 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         report.fail(QStringLiteral("no such port: %1").arg(m_portName));
         return false;
     }
-    if (!m_modem.open(device, commandLine.baud(), commandLine.attempts())) {
+    QString opened = device;
+    const QString recording = commandLine.value(QStringLiteral("record"));
+    if (!recording.isEmpty()) {
+        m_recorder = std::make_unique<DialogueRecorder>();
+        QString why;
+        if (!m_recorder->start(device, recording, &why)) {
+            report.fail(QStringLiteral("cannot record: %1").arg(why));
+            return false;
+        }
+        opened = m_recorder->clientPath();
+    }
+    if (!m_modem.open(opened, commandLine.baud(), commandLine.attempts())) {
         const QString holder = holderOf(device);
         if (!holder.isEmpty()) {
             report.fail(QStringLiteral("%1 is in use by another program (%2)").arg(m_portName, holder));

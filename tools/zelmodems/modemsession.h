@@ -1,7 +1,10 @@
 #pragma once
 #include "atmodem.h"
+#include "dialoguerecorder.h"
 
 #include <QString>
+
+#include <memory>
 
 class CommandLine;
 class Report;
@@ -37,6 +40,8 @@ public:
     bool operatorCodes(int& mcc, int& mnc, Report& report);
 
 private:
+    // Declared first: it outlives the modem, whose port it relays.
+    std::unique_ptr<DialogueRecorder> m_recorder;
     AtModem m_modem;
     QString m_portName;
     QString m_device;
