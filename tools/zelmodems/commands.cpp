@@ -43,9 +43,11 @@ QString overview()
     text += QStringLiteral(
         "\nEvery command takes --help, --json (machine-readable output) and --verbose\n"
         "(the library's AT dialogue on standard error). Commands that talk to a modem\n"
-        "take the port (/dev/ttyUSB2 or ttyUSB2), --baud (default 115200) and --attempts.\n\n"
+        "take the port (/dev/ttyUSB2 or ttyUSB2), --baud (default 115200), --attempts\n"
+        "and --record FILE (the whole dialogue, for modemsim --replay FILE).\n\n"
         "Exit status: 0 success, 1 failure (no such port, no modem, the modem or the\n"
-        "network refused), 2 bad arguments. Messages go to standard error.\n");
+        "network refused), 2 bad arguments, 130/143 interrupted (ports released).\n"
+        "Messages go to standard error. See also: man zelmodems.\n");
     return text;
 }
 
