@@ -43,6 +43,22 @@
         <source>Modem said &quot;NO CARRIER&quot;</source>
         <translation>Модем ответил &quot;NO CARRIER&quot;</translation>
     </message>
+    <message>
+        <source>USSD code</source>
+        <translation>USSD-код</translation>
+    </message>
+    <message>
+        <source>number</source>
+        <translation>номер</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>текст</translation>
+    </message>
+    <message>
+        <source>Refused %1, nothing sent: %2</source>
+        <translation>Отвергнут %1, ничего не отправлено: %2</translation>
+    </message>
 </context>
 <context>
     <name>ModemsFinder</name>
@@ -638,6 +654,105 @@
     </message>
 </context>
 <context>
+    <name>ShortMessage</name>
+    <message>
+        <source>The user data header ends inside an element at octet %1</source>
+        <translation>Заголовок пользовательских данных кончается внутри элемента на октете %1</translation>
+    </message>
+    <message>
+        <source>The user data header element 0x%1 needs %2 octets, %3 are left</source>
+        <translation>Элементу 0x%1 заголовка пользовательских данных нужно октетов: %2, осталось: %3</translation>
+    </message>
+    <message>
+        <source>the user data length</source>
+        <translation>длине пользовательских данных</translation>
+    </message>
+    <message>
+        <source>User data length %1 is more than a message can hold (%2)</source>
+        <translation>Длина пользовательских данных %1 больше, чем вмещает сообщение (%2)</translation>
+    </message>
+    <message>
+        <source>the user data</source>
+        <translation>пользовательских данных</translation>
+    </message>
+    <message>
+        <source>The user data header (%1 octets) is longer than the user data (%2)</source>
+        <translation>Заголовок пользовательских данных (октетов: %1) длиннее самих данных (%2)</translation>
+    </message>
+    <message>
+        <source>User data length %1 is shorter than its header (%2 septets)</source>
+        <translation>Длина пользовательских данных %1 меньше их заголовка (септетов: %2)</translation>
+    </message>
+    <message>
+        <source>the service centre address</source>
+        <translation>адресе сервисного центра</translation>
+    </message>
+    <message>
+        <source>Invalid time stamp in %1: %2</source>
+        <translation>Неверная отметка времени в %1: %2</translation>
+    </message>
+    <message>
+        <source>the protocol identifier</source>
+        <translation>идентификаторе протокола</translation>
+    </message>
+    <message>
+        <source>the data coding scheme</source>
+        <translation>схеме кодирования данных</translation>
+    </message>
+    <message>
+        <source>Compressed user data (data coding scheme 0x%1) cannot be read</source>
+        <translation>Сжатые пользовательские данные (схема кодирования 0x%1) не читаются</translation>
+    </message>
+    <message>
+        <source>the originating address</source>
+        <translation>адресе отправителя</translation>
+    </message>
+    <message>
+        <source>the service centre time stamp</source>
+        <translation>отметке времени сервисного центра</translation>
+    </message>
+    <message>
+        <source>the message reference</source>
+        <translation>номере сообщения</translation>
+    </message>
+    <message>
+        <source>the destination address</source>
+        <translation>адресе получателя</translation>
+    </message>
+    <message>
+        <source>the validity period</source>
+        <translation>сроке действия</translation>
+    </message>
+    <message>
+        <source>the recipient address</source>
+        <translation>адресе получателя</translation>
+    </message>
+    <message>
+        <source>the discharge time</source>
+        <translation>времени доставки</translation>
+    </message>
+    <message>
+        <source>the status</source>
+        <translation>состоянии</translation>
+    </message>
+    <message>
+        <source>the parameter indicator</source>
+        <translation>индикаторе параметров</translation>
+    </message>
+    <message>
+        <source>Empty PDU</source>
+        <translation>Пустой PDU</translation>
+    </message>
+    <message>
+        <source>the first octet</source>
+        <translation>первом октете</translation>
+    </message>
+    <message>
+        <source>Reserved message type indicator 3 in the first octet</source>
+        <translation>Зарезервированный индикатор типа сообщения 3 в первом октете</translation>
+    </message>
+</context>
+<context>
     <name>SmsPduDecoder</name>
     <message>
         <source>Error reading service number.</source>
@@ -681,6 +796,61 @@
     </message>
 </context>
 <context>
+    <name>UssdRequest</name>
+    <message>
+        <source>No USSD code given</source>
+        <translation>Не указан USSD-код</translation>
+    </message>
+    <message>
+        <source>The modem refused the request</source>
+        <translation>Модем отверг запрос</translation>
+    </message>
+    <message>
+        <source>The network answered with status %1: %2</source>
+        <translation>Сеть ответила с состоянием %1: %2</translation>
+    </message>
+    <message>
+        <source>The modem answered ERROR to the request</source>
+        <translation>Модем ответил ERROR на запрос</translation>
+    </message>
+    <message>
+        <source>The modem is gone</source>
+        <translation>Модем пропал</translation>
+    </message>
+    <message>
+        <source>No reply from the network within %1 s</source>
+        <translation>Нет ответа от сети за %1 с</translation>
+    </message>
+    <message>
+        <source>no further action required</source>
+        <translation>дальнейших действий не требуется</translation>
+    </message>
+    <message>
+        <source>further user action required</source>
+        <translation>требуется ответ пользователя</translation>
+    </message>
+    <message>
+        <source>terminated by the network</source>
+        <translation>завершено сетью</translation>
+    </message>
+    <message>
+        <source>answered by another local client</source>
+        <translation>отвечено другим локальным клиентом</translation>
+    </message>
+    <message>
+        <source>operation not supported</source>
+        <translation>операция не поддерживается</translation>
+    </message>
+    <message>
+        <source>network time-out</source>
+        <translation>истекло время ожидания сети</translation>
+    </message>
+    <message>
+        <source>unknown status</source>
+        <translation>неизвестное состояние</translation>
+    </message>
+</context>
+<context>
     <name>WvDialConfWrapper</name>
     <message>
         <source>wvdial error</source>
@@ -689,6 +859,129 @@
     <message>
         <source>wvdial</source>
         <translation>wvdial</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::AtInput</name>
+    <message>
+        <source>the value holds the control character %1</source>
+        <translation>значение содержит управляющий символ %1</translation>
+    </message>
+    <message>
+        <source>the value holds a double quote</source>
+        <translation>значение содержит двойную кавычку</translation>
+    </message>
+    <message>
+        <source>the number is empty</source>
+        <translation>номер пуст</translation>
+    </message>
+    <message>
+        <source>the number holds the control character %1</source>
+        <translation>номер содержит управляющий символ %1</translation>
+    </message>
+    <message>
+        <source>the number holds &quot;%1&quot;; only digits, * and #, after an optional +, can be dialled</source>
+        <translation>номер содержит «%1»; набирать можно только цифры, * и # после необязательного +</translation>
+    </message>
+    <message>
+        <source>the USSD code is empty</source>
+        <translation>USSD-код пуст</translation>
+    </message>
+    <message>
+        <source>the USSD code holds the control character %1</source>
+        <translation>USSD-код содержит управляющий символ %1</translation>
+    </message>
+    <message>
+        <source>the USSD code holds a double quote</source>
+        <translation>USSD-код содержит двойную кавычку</translation>
+    </message>
+    <message>
+        <source>the text holds Ctrl-Z (U+001A), which would end the message early</source>
+        <translation>текст содержит Ctrl-Z (U+001A), который преждевременно закончил бы сообщение</translation>
+    </message>
+    <message>
+        <source>the text holds ESC (U+001B), which would cancel the message</source>
+        <translation>текст содержит ESC (U+001B), который отменил бы сообщение</translation>
+    </message>
+    <message>
+        <source>the text holds the control character %1</source>
+        <translation>текст содержит управляющий символ %1</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::MessageStore</name>
+    <message>
+        <source>the listing of %1 bytes is larger than any message store holds; refused</source>
+        <translation>список размером %1 байт больше любого хранилища сообщений; отвергнут</translation>
+    </message>
+    <message>
+        <source>the index &quot;%1&quot; is not a store index</source>
+        <translation>«%1» — не номер в хранилище</translation>
+    </message>
+    <message>
+        <source>no PDU line follows the entry</source>
+        <translation>за записью нет строки PDU</translation>
+    </message>
+    <message>
+        <source>the modem refused PDU mode (AT+CMGF=0): %1</source>
+        <translation>модем отверг режим PDU (AT+CMGF=0): %1</translation>
+    </message>
+    <message>
+        <source>the listing did not end (AT+CMGL=4): %1</source>
+        <translation>список не закончился (AT+CMGL=4): %1</translation>
+    </message>
+    <message>
+        <source>%1 is not a store index</source>
+        <translation>%1 — не номер в хранилище</translation>
+    </message>
+    <message>
+        <source>reading message %1 failed: %2</source>
+        <translation>не удалось прочитать сообщение %1: %2</translation>
+    </message>
+    <message>
+        <source>there is no message at index %1</source>
+        <translation>под номером %1 нет сообщения</translation>
+    </message>
+    <message>
+        <source>deleting message %1 failed: %2</source>
+        <translation>не удалось удалить сообщение %1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::MessageStorePrivate</name>
+    <message>
+        <source>no answer</source>
+        <translation>нет ответа</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SmsSender</name>
+    <message>
+        <source>refused, nothing sent: %1</source>
+        <translation>отвергнуто, ничего не отправлено: %1</translation>
+    </message>
+    <message>
+        <source>the modem refused PDU mode (AT+CMGF=0): %1</source>
+        <translation>модем отверг режим PDU (AT+CMGF=0): %1</translation>
+    </message>
+    <message>
+        <source>part %1 of %2: the modem gave no prompt for the PDU: %3%4</source>
+        <translation>часть %1 из %2: модем не дал приглашения для PDU: %3%4</translation>
+    </message>
+    <message>
+        <source>part %1 of %2 not confirmed within %3 s — it may still arrive; check before sending again%4</source>
+        <translation>часть %1 из %2 не подтверждена за %3 с — она ещё может дойти; проверьте, прежде чем отправлять снова%4</translation>
+    </message>
+    <message>
+        <source>part %1 of %2 was refused: %3%4</source>
+        <translation>часть %1 из %2 отвергнута: %3%4</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SmsSenderPrivate</name>
+    <message>
+        <source> (parts 1 to %1 were sent, references %2)</source>
+        <translation> (части с 1 по %1 отправлены, номера %2)</translation>
     </message>
 </context>
 </TS>

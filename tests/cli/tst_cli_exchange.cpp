@@ -86,6 +86,25 @@ private slots:
         QVERIFY2((exitCode == 0 || args.contains("--json") ? r.out : r.err).contains(expected), r.describe());
     }
 
+    void russianLinesDoNotMixLanguages()
+    {
+        // Under a Russian locale the tool's words and the library's words
+        // around them are both Russian.
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        modem->setUssdReply("*100#", Ussd::statusOnly(4));
+        QProcessEnvironment env = clitest::environment();
+        env.insert(QStringLiteral("LANG"), QStringLiteral("ru_RU.UTF-8"));
+        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("ru_RU.UTF-8"));
+        env.insert(QStringLiteral("QT5EXT_TRANSLATIONS_DIR"), QStringLiteral(ZML_TRANSLATIONS_DIR));
+        const clitest::Result r = run({"balance", modem->devicePath(), "--code", "*100#"}, 30000, env);
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains(QStringLiteral("*100#: Сеть ответила с состоянием 4: операция не поддерживается")),
+                 r.describe());
+        const clitest::Result signal = run({"signal", modem->devicePath()}, 30000, env);
+        QVERIFY2(signal.out.startsWith(QStringLiteral("Сигнал:       -73 дБм (хороший)")), signal.describe());
+    }
+
     void infoOnAModemThatGoesSilent()
     {
         auto modem = clitest::startModem(Make::Cinterion);

@@ -1,4 +1,5 @@
 #include "commandline.h"
+#include "tooltext.h"
 #include "report.h"
 
 namespace {
@@ -17,11 +18,11 @@ CommandLine::CommandLine(const QString& command, const QString& description) : m
     // Qt's own help option would add --help-all (Qt's options), which this
     // tool does not take.
     m_parser.addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")},
-                                          QStringLiteral("Show this help.")));
+                                          Tool::tr("Show this help.")));
     m_parser.addOption(QCommandLineOption(QStringList{QStringLiteral("j"), JSON},
-                                          QStringLiteral("Print the result as JSON.")));
+                                          Tool::tr("Print the result as JSON.")));
     m_parser.addOption(QCommandLineOption(QStringList{QStringLiteral("v"), VERBOSE},
-                                          QStringLiteral("Show the library's log (the AT dialogue) on "
+                                          Tool::tr("Show the library's log (the AT dialogue) on "
                                                          "standard error.")));
 }
 
@@ -45,23 +46,23 @@ void CommandLine::addModemArguments()
     m_modem = true;
     m_positionals.append({QStringLiteral("PORT"), true, false});
     m_parser.addPositionalArgument(QStringLiteral("PORT"),
-                                   QStringLiteral("The modem's serial port: a device path (/dev/ttyUSB2) "
+                                   Tool::tr("The modem's serial port: a device path (/dev/ttyUSB2) "
                                                   "or a bare name (ttyUSB2)."));
-    m_parser.addOption(QCommandLineOption(BAUD, QStringLiteral("Line speed (default 115200)."),
+    m_parser.addOption(QCommandLineOption(BAUD, Tool::tr("Line speed (default 115200)."),
                                           QStringLiteral("rate"), QStringLiteral("115200")));
     m_parser.addOption(QCommandLineOption(ATTEMPTS,
-                                          QStringLiteral("Attempts to open the port and get an answer "
+                                          Tool::tr("Attempts to open the port and get an answer "
                                                          "(default 3; a silent port costs about 6 s each)."),
                                           QStringLiteral("n"), QStringLiteral("3")));
     m_parser.addOption(QCommandLineOption(QStringLiteral("record"),
-                                          QStringLiteral("Write the whole dialogue with the modem (bytes, timings, "
+                                          Tool::tr("Write the whole dialogue with the modem (bytes, timings, "
                                                          "line speeds) to <file>; modemsim --replay plays it back."),
                                           QStringLiteral("file")));
 }
 
 bool CommandLine::parse(const QStringList& args, Report& report)
 {
-    const QString seeHelp = QStringLiteral(" (see zelmodems %1 --help)").arg(m_command);
+    const QString seeHelp = Tool::tr(" (see zelmodems %1 --help)").arg(m_command);
     // Even a command line that cannot be parsed gets its error as JSON when asked.
     report.setJsonOutput(args.contains(QStringLiteral("--json")));
     if (!m_parser.parse(QStringList{QStringLiteral("zelmodems")} + args)) {
@@ -83,17 +84,17 @@ bool CommandLine::parse(const QStringList& args, Report& report)
     }
     if (given.size() < required) {
         const QString missing = m_positionals.value(given.size()).name;
-        report.fail(QStringLiteral("%1 is missing").arg(missing) + seeHelp, Report::UsageError);
+        report.fail(Tool::tr("%1 is missing").arg(missing) + seeHelp, Report::UsageError);
         return false;
     }
     if (!repeated && given.size() > m_positionals.size()) {
-        report.fail(QStringLiteral("unexpected argument \"%1\"").arg(given.at(m_positionals.size())) + seeHelp,
+        report.fail(Tool::tr("unexpected argument \"%1\"").arg(given.at(m_positionals.size())) + seeHelp,
                     Report::UsageError);
         return false;
     }
     for (int i = 0; i < given.size() && i < m_positionals.size(); ++i) {
         if (m_positionals.at(i).required && given.at(i).isEmpty()) {
-            report.fail(QStringLiteral("%1 is empty").arg(m_positionals.at(i).name) + seeHelp, Report::UsageError);
+            report.fail(Tool::tr("%1 is empty").arg(m_positionals.at(i).name) + seeHelp, Report::UsageError);
             return false;
         }
     }
@@ -102,13 +103,13 @@ bool CommandLine::parse(const QStringList& args, Report& report)
         bool ok = false;
         m_baud = m_parser.value(BAUD).toInt(&ok);
         if (!ok || m_baud <= 0) {
-            report.fail(QStringLiteral("--baud takes a positive number, not \"%1\"").arg(m_parser.value(BAUD)),
+            report.fail(Tool::tr("--baud takes a positive number, not \"%1\"").arg(m_parser.value(BAUD)),
                         Report::UsageError);
             return false;
         }
         m_attempts = m_parser.value(ATTEMPTS).toInt(&ok);
         if (!ok || m_attempts < 1 || m_attempts > 10) {
-            report.fail(QStringLiteral("--attempts takes a number from 1 to 10, not \"%1\"")
+            report.fail(Tool::tr("--attempts takes a number from 1 to 10, not \"%1\"")
                             .arg(m_parser.value(ATTEMPTS)),
                         Report::UsageError);
             return false;

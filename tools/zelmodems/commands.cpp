@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "tooltext.h"
 #include "zelmodemslib_version.h"
 
 namespace commands {
@@ -6,28 +7,28 @@ namespace commands {
 const QList<Entry>& table()
 {
     static const QList<Entry> entries = {
-        {QStringLiteral("find"), QStringLiteral("search ports for modems (all serial ports, or the given ones)"), &find},
-        {QStringLiteral("info"), QStringLiteral("identify the modem on a port: make, IMEI, SIM, operator, signal, cell"),
+        {QStringLiteral("find"), Tool::tr("search ports for modems (all serial ports, or the given ones)"), &find},
+        {QStringLiteral("info"), Tool::tr("identify the modem on a port: make, IMEI, SIM, operator, signal, cell"),
          &info},
-        {QStringLiteral("signal"), QStringLiteral("signal level in dBm"), &signal},
-        {QStringLiteral("cells"), QStringLiteral("serving cell (and neighbour cells where the modem lists them)"),
+        {QStringLiteral("signal"), Tool::tr("signal level in dBm"), &signal},
+        {QStringLiteral("cells"), Tool::tr("serving cell (and neighbour cells where the modem lists them)"),
          &cells},
-        {QStringLiteral("operator"), QStringLiteral("the SIM's operator: MCC/MNC, network name, operator table entry"),
+        {QStringLiteral("operator"), Tool::tr("the SIM's operator: MCC/MNC, network name, operator table entry"),
          &operatorInfo},
-        {QStringLiteral("balance"), QStringLiteral("ask the account balance by USSD"), &balance},
-        {QStringLiteral("ussd"), QStringLiteral("send a USSD code and print the network's reply"), &ussd},
-        {QStringLiteral("own-number"), QStringLiteral("ask the operator for the SIM's own number"), &ownNumber},
-        {QStringLiteral("sms list"), QStringLiteral("list the stored SMS (nothing is deleted)"), &smsList},
-        {QStringLiteral("sms delete"), QStringLiteral("delete stored SMS by index"), &smsDelete},
-        {QStringLiteral("sms take"), QStringLiteral("print the stored SMS that read whole, then delete those"), &smsTake},
-        {QStringLiteral("sms send"), QStringLiteral("send an SMS, confirmed by the modem"), &smsSend},
-        {QStringLiteral("pdu encode"), QStringLiteral("build SMS-SUBMIT PDUs for a text (no modem needed)"),
+        {QStringLiteral("balance"), Tool::tr("ask the account balance by USSD"), &balance},
+        {QStringLiteral("ussd"), Tool::tr("send a USSD code and print the network's reply"), &ussd},
+        {QStringLiteral("own-number"), Tool::tr("ask the operator for the SIM's own number"), &ownNumber},
+        {QStringLiteral("sms list"), Tool::tr("list the stored SMS (nothing is deleted)"), &smsList},
+        {QStringLiteral("sms delete"), Tool::tr("delete stored SMS by index"), &smsDelete},
+        {QStringLiteral("sms take"), Tool::tr("print the stored SMS that read whole, then delete those"), &smsTake},
+        {QStringLiteral("sms send"), Tool::tr("send an SMS, confirmed by the modem"), &smsSend},
+        {QStringLiteral("pdu encode"), Tool::tr("build SMS-SUBMIT PDUs for a text (no modem needed)"),
          &pduEncode},
         {QStringLiteral("pdu explain"),
-         QStringLiteral("explain an SMS PDU or a user-data header (no modem needed)"), &pduExplain},
-        {QStringLiteral("wvdialconf"), QStringLiteral("stop dialers and run wvdialconf to write the dialer's search file"),
+         Tool::tr("explain an SMS PDU or a user-data header (no modem needed)"), &pduExplain},
+        {QStringLiteral("wvdialconf"), Tool::tr("stop dialers and run wvdialconf to write the dialer's search file"),
          &wvdialconf},
-        {QStringLiteral("demo"), QStringLiteral("all of it against simulated modems (no hardware needed)"), &demo},
+        {QStringLiteral("demo"), Tool::tr("all of it against simulated modems (no hardware needed)"), &demo},
     };
     return entries;
 }
@@ -40,8 +41,7 @@ QString overview()
         "Commands:\n");
     for (const Entry& entry : table())
         text += QStringLiteral("  %1%2\n").arg(entry.name.leftJustified(14), entry.summary);
-    text += QStringLiteral(
-        "\nEvery command takes --help, --json (machine-readable output) and --verbose\n"
+    text += Tool::tr("\nEvery command takes --help, --json (machine-readable output) and --verbose\n"
         "(the library's AT dialogue on standard error). Commands that talk to a modem\n"
         "take the port (/dev/ttyUSB2 or ttyUSB2), --baud (default 115200), --attempts\n"
         "and --record FILE (the whole dialogue, for modemsim --replay FILE).\n\n"
@@ -66,7 +66,7 @@ Report dispatch(const QStringList& args)
     Report report;
     const QString first = args.value(0);
     if (first.isEmpty()) {
-        report.fail(QStringLiteral("no command given (see zelmodems --help)"), Report::UsageError);
+        report.fail(Tool::tr("no command given (see zelmodems --help)"), Report::UsageError);
         return report;
     }
     const QString name = nameOf(args);
@@ -80,13 +80,13 @@ Report dispatch(const QStringList& args)
             second.clear();
         report.fail(second.isEmpty()
                         ? QStringLiteral("%1 needs a subcommand: %2").arg(first, first == QLatin1String("sms")
-                                                                                  ? QStringLiteral("list, delete, take or send")
-                                                                                  : QStringLiteral("encode or explain"))
-                        : QStringLiteral("unknown command \"%1 %2\" (see zelmodems --help)").arg(first, second),
+                                                                                  ? Tool::tr("list, delete, take or send")
+                                                                                  : Tool::tr("encode or explain"))
+                        : Tool::tr("unknown command \"%1 %2\" (see zelmodems --help)").arg(first, second),
                     Report::UsageError);
         return report;
     }
-    report.fail(QStringLiteral("unknown command \"%1\" (see zelmodems --help)").arg(first), Report::UsageError);
+    report.fail(Tool::tr("unknown command \"%1\" (see zelmodems --help)").arg(first), Report::UsageError);
     return report;
 }
 

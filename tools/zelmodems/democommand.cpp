@@ -1,5 +1,6 @@
 // demo: the tool against simulated modems, as a user would run it.
 #include "commandline.h"
+#include "tooltext.h"
 #include "commands.h"
 #include "console.h"
 #include "demomodems.h"
@@ -57,7 +58,7 @@ Report demo(const QStringList& args)
 {
     Report report;
     CommandLine cl(QStringLiteral("demo"),
-                   QStringLiteral("Starts simulated modems in this process and runs, as a user would, find\n"
+                   Tool::tr("Starts simulated modems in this process and runs, as a user would, find\n"
                                   "on all of them, then info, balance, own-number and sms list on each modem\n"
                                   "found. No hardware is needed. The modems: a Huawei E3372 USB stick with\n"
                                   "three serial interfaces (ttyUSB0-2) and a MegaFon SIM, and a SIMCOM\n"
@@ -71,7 +72,7 @@ Report demo(const QStringList& args)
     DemoModems modems;
     QString error;
     if (!modems.start(&error)) {
-        report.fail(QStringLiteral("cannot start the simulated modems: %1").arg(error));
+        report.fail(Tool::tr("cannot start the simulated modems: %1").arg(error));
         return report;
     }
 
@@ -117,9 +118,9 @@ Report demo(const QStringList& args)
     report.json().insert(QStringLiteral("simulatedPorts"), simulated);
     report.json().insert(QStringLiteral("steps"), run.steps());
     if (run.failures() > 0)
-        report.fail(QStringLiteral("%1 of %2 demo steps failed").arg(run.failures()).arg(run.steps().size()));
+        report.fail(Tool::tr("%1 of %2 demo steps failed").arg(run.failures()).arg(run.steps().size()));
     else if (!json)
-        report.line(QStringLiteral("\nDemo finished: %1 commands, all succeeded.").arg(run.steps().size()));
+        report.line(Tool::tr("\nDemo finished: %1 commands, all succeeded.").arg(run.steps().size()));
     return report;
 }
 

@@ -1,4 +1,5 @@
 #include "demomodems.h"
+#include "tooltext.h"
 #include "interruption.h"
 #include "simmodem.h"
 #include "declaredports.h"
@@ -50,7 +51,7 @@ SimModem* DemoModems::add(const QString& name, std::unique_ptr<SimModem> modem, 
     const QString device = m_dir.filePath(name);
     if (!modem->createLink(device)) {
         if (error)
-            *error = QStringLiteral("cannot link %1 to %2").arg(device, modem->ptyPath());
+            *error = Tool::tr("cannot link %1 to %2").arg(device, modem->ptyPath());
         return nullptr;
     }
     zelmodems::PortCatalogue::Port port;
@@ -72,7 +73,7 @@ bool DemoModems::start(QString* error)
 {
     if (!m_dir.isValid()) {
         if (error)
-            *error = QStringLiteral("cannot create a scratch folder: %1").arg(m_dir.errorString());
+            *error = Tool::tr("cannot create a scratch folder: %1").arg(m_dir.errorString());
         return false;
     }
     Interruption::removeOnInterrupt(m_dir.path());
@@ -119,7 +120,7 @@ bool DemoModems::start(QString* error)
     // The udev rules point gsmmodem at the data interface.
     if (::symlink("ttyUSB0", QFile::encodeName(dataPortLink()).constData()) != 0) {
         if (error)
-            *error = QStringLiteral("cannot create the link %1").arg(dataPortLink());
+            *error = Tool::tr("cannot create the link %1").arg(dataPortLink());
         return false;
     }
 
@@ -128,7 +129,7 @@ bool DemoModems::start(QString* error)
     simcom.imsi = BEELINE_IMSI;
     simcom.answers.insert("+COPS?", "+COPS: 0,0,\"Beeline\",7");
     SimModem* module = add(QStringLiteral("ttyS1"), std::make_unique<SimModem>(simcom),
-                           QStringLiteral("SIMCOM SIM7600E-H on a serial line, Beeline SIM"), false, error);
+                           Tool::tr("SIMCOM SIM7600E-H on a serial line, Beeline SIM"), false, error);
     if (!module)
         return false;
     module->setUssdReply("*102#", Ussd::ucs2(QStringLiteral("Баланс: -15.20 р. Пополните счёт.")));

@@ -1,5 +1,6 @@
 // find: the library's parallel modem search, with live progress.
 #include "commandline.h"
+#include "tooltext.h"
 #include "commands.h"
 #include "console.h"
 #include "modeminfo.h"
@@ -121,21 +122,21 @@ QStringList tableLines(const QList<QStringList>& rows)
 QString reasonFor(const QString& device)
 {
     if (!QFileInfo::exists(device))
-        return QStringLiteral("no such device");
+        return Tool::tr("no such device");
     const QString holder = ModemSession::holderOf(device);
     if (!holder.isEmpty())
-        return QStringLiteral("in use by another program (%1)").arg(holder);
+        return Tool::tr("in use by another program (%1)").arg(holder);
     {
         QSerialPort port(device);
         if (!port.open(QIODevice::ReadWrite))
-            return QStringLiteral("cannot be opened as a serial port: %1").arg(port.errorString());
+            return Tool::tr("cannot be opened as a serial port: %1").arg(port.errorString());
     }
     AtModem modem;
     if (!modem.open(device, 115200, 1)) {
         if (!QFileInfo::exists(device))
-            return QStringLiteral("the device disappeared");
+            return Tool::tr("the device disappeared");
         const QString why = modem.lastError();
-        return QStringLiteral("not a modem: no answer to AT at 115200 baud%1 (a modem that takes only another "
+        return Tool::tr("not a modem: no answer to AT at 115200 baud%1 (a modem that takes only another "
                               "line speed: try zelmodems info --baud)")
             .arg(why.isEmpty() ? QString() : QStringLiteral(": ") + why);
     }
@@ -145,17 +146,17 @@ QString reasonFor(const QString& device)
         modem.sendCommand("+CIMI", answer, 1000);
         const QString text = QString::fromLatin1(answer.simplified());
         if (text.isEmpty())
-            return QStringLiteral("a modem (%1) without SIM or operator: no answer to AT+CIMI").arg(modem.name());
-        return QStringLiteral("a modem (%1) without SIM or operator: AT+CIMI answered \"%2\"").arg(modem.name(), text);
+            return Tool::tr("a modem (%1) without SIM or operator: no answer to AT+CIMI").arg(modem.name());
+        return Tool::tr("a modem (%1) without SIM or operator: AT+CIMI answered \"%2\"").arg(modem.name(), text);
     }
     int mcc = 0;
     int mnc = 0;
     if (!modem.getMnc(mcc, mnc))
-        return QStringLiteral("a modem (%1) whose SIM's operator cannot be read (IMSI %2)").arg(modem.name(), imsi);
+        return Tool::tr("a modem (%1) whose SIM's operator cannot be read (IMSI %2)").arg(modem.name(), imsi);
     QString imei;
     modem.getImei(imei);
     // The found modems' IMEIs are compared with this one afterwards.
-    return QStringLiteral("a modem (%1, operator %2/%3) that the search did not take; see zelmodems info\n%4")
+    return Tool::tr("a modem (%1, operator %2/%3) that the search did not take; see zelmodems info\n%4")
         .arg(modem.name())
         .arg(mcc)
         .arg(mnc, 2, 10, QLatin1Char('0'))
@@ -186,7 +187,7 @@ Report find(const QStringList& args)
 {
     Report report;
     CommandLine cl(QStringLiteral("find"),
-                   QStringLiteral("Searches the given ports, or every serial port of the system, for modems:\n"
+                   Tool::tr("Searches the given ports, or every serial port of the system, for modems:\n"
                                   "all ports are probed at once; each probe finds the fastest line speed the\n"
                                   "modem answers at, reads the IMEI and the SIM's operator, and makes the\n"
                                   "dial-up connection record. The interfaces of one USB modem are merged\n"
@@ -194,7 +195,7 @@ Report find(const QStringList& args)
                                   "does not list (a modemsim pseudo-terminal, a link) are probed as plain\n"
                                   "serial ports. On a terminal, progress is shown while the probes run."));
     cl.addPositional(QStringLiteral("PORT"),
-                     QStringLiteral("Ports to search (ttyUSB0, /dev/ttyS1, ...); default: all serial ports."),
+                     Tool::tr("Ports to search (ttyUSB0, /dev/ttyS1, ...); default: all serial ports."),
                      false, true);
     if (!cl.parse(args, report))
         return report;
@@ -265,7 +266,7 @@ Report find(const QStringList& args)
         const QString imei = it.value().section(QLatin1Char('\n'), 1);
         for (const ModemInfo& modem : qAsConst(found)) {
             if (!imei.isEmpty() && modem.imei() == imei)
-                reason = QStringLiteral("another interface of the modem on %1 (IMEI %2)").arg(modem.portName(), imei);
+                reason = Tool::tr("another interface of the modem on %1 (IMEI %2)").arg(modem.portName(), imei);
         }
         without.append(QJsonObject{ { QStringLiteral("port"), it.key() }, { QStringLiteral("reason"), reason } });
         reasonLines << QStringLiteral("  %1: %2").arg(it.key(), reason);
@@ -274,20 +275,20 @@ Report find(const QStringList& args)
 
     if (found.isEmpty()) {
         if (!reasonLines.isEmpty()) {
-            report.line(QStringLiteral("Ports without a modem:"));
+            report.line(Tool::tr("Ports without a modem:"));
             report.lines(reasonLines);
         }
-        report.fail(QStringLiteral("%1 (%2 port(s) probed in %3)")
-                        .arg(noDevices.isEmpty() ? QStringLiteral("no modem found") : noDevices)
+        report.fail(Tool::tr("%1 (%2 port(s) probed in %3)")
+                        .arg(noDevices.isEmpty() ? Tool::tr("no modem found") : noDevices)
                         .arg(names.size())
                         .arg(seconds(elapsed)));
         return report;
     }
 
     QList<QStringList> rows;
-    rows << QStringList{QStringLiteral("PORT"),       QStringLiteral("CMD PORT"), QStringLiteral("BAUD"),
-                        QStringLiteral("IMEI"),       QStringLiteral("CONNECTION"), QStringLiteral("USER"),
-                        QStringLiteral("BALANCE CODE"), QStringLiteral("INIT")};
+    rows << QStringList{Tool::tr("PORT"),       Tool::tr("CMD PORT"), Tool::tr("BAUD"),
+                        Tool::tr("IMEI"),       Tool::tr("CONNECTION"), Tool::tr("USER"),
+                        Tool::tr("BALANCE CODE"), Tool::tr("INIT")};
     QJsonArray modems;
     for (const ModemInfo& modem : qAsConst(found)) {
         const QString dash = QStringLiteral("-");
@@ -308,12 +309,12 @@ Report find(const QStringList& args)
     json.insert(QStringLiteral("modems"), modems);
     report.lines(tableLines(rows));
     report.line();
-    report.line(QStringLiteral("%1 modem(s) on %2 port(s), probed in %3.")
+    report.line(Tool::tr("%1 modem(s) on %2 port(s), probed in %3.")
                     .arg(found.size())
                     .arg(names.size())
                     .arg(seconds(elapsed)));
     if (!reasonLines.isEmpty()) {
-        report.line(QStringLiteral("Ports without a modem:"));
+        report.line(Tool::tr("Ports without a modem:"));
         report.lines(reasonLines);
     }
     return report;

@@ -3,6 +3,8 @@
 #include "console.h"
 #include "declaredports.h"
 #include "interruption.h"
+
+#include <qt5ext/appversionmanager.h>
 #include "zelmodemslib_version.h"
 
 #include <QCoreApplication>
@@ -46,6 +48,8 @@ int main(int argc, char** argv)
 
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zelmodems"));
+    // The tool's own catalogue, beside the library's, for the same locale.
+    qt5ext::AppVersionManager::addLocalisation(QStringLiteral("zelmodems"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZELMODEMSLIB_VERSION_STR));
 
     QStringList args = app.arguments().mid(1);

@@ -1,6 +1,7 @@
 // Commands that open one modem and ask it something: info, signal, cells,
 // operator, balance, ussd, own-number.
 #include "commandline.h"
+#include "tooltext.h"
 #include "commands.h"
 #include "modemcommand.h"
 #include "ussdrequest.h"
@@ -42,14 +43,14 @@ QString codesText(int mcc, int mnc)
 // The operator table's entry, as fields and in the JSON.
 void reportEntry(const OperatorData& entry, Report& report)
 {
-    report.field(QStringLiteral("Table entry"), entry.name());
-    report.field(QStringLiteral("Balance code"), entry.balancePhone());
-    report.field(QStringLiteral("Own number"),
+    report.field(Tool::tr("Table entry"), entry.name());
+    report.field(Tool::tr("Balance code"), entry.balancePhone());
+    report.field(Tool::tr("Own number"),
                  QStringLiteral("%1 (%2)").arg(entry.selfNumberPhone(),
-                                               entry.selfNumberFromSms() ? QStringLiteral("the reply comes by SMS")
-                                                                         : QStringLiteral("USSD reply")));
-    report.field(QStringLiteral("PPP user"), QStringLiteral("%1 / %2").arg(entry.userName(), entry.password()));
-    report.field(QStringLiteral("Init line"), entry.modemInitLine());
+                                               entry.selfNumberFromSms() ? Tool::tr("the reply comes by SMS")
+                                                                         : Tool::tr("USSD reply")));
+    report.field(Tool::tr("PPP user"), QStringLiteral("%1 / %2").arg(entry.userName(), entry.password()));
+    report.field(Tool::tr("Init line"), entry.modemInitLine());
     report.json().insert(QStringLiteral("operatorTable"), QJsonObject::fromVariantMap(entry.toMap()));
 }
 
@@ -58,10 +59,10 @@ void reportNetwork(AtModem& modem, Report& report)
 {
     QString network;
     if (modem.getOperator(network)) {
-        report.field(QStringLiteral("Network"), network);
+        report.field(Tool::tr("Network"), network);
         report.json().insert(QStringLiteral("operator"), network);
     } else {
-        report.field(QStringLiteral("Network"), QStringLiteral("unknown"));
+        report.field(Tool::tr("Network"), Tool::tr("unknown"));
     }
 }
 
@@ -85,7 +86,13 @@ QString rating(int dbm)
 
 QString signalText(int dbm)
 {
-    return QStringLiteral("%1 dBm (%2)").arg(dbm).arg(rating(dbm));
+    // The rating in words for a person; JSON keeps the English keyword.
+    const QString word = rating(dbm);
+    const QString shown = word == QLatin1String("excellent") ? Tool::tr("excellent")
+                        : word == QLatin1String("good")      ? Tool::tr("good")
+                        : word == QLatin1String("fair")      ? Tool::tr("fair")
+                                                             : Tool::tr("poor");
+    return Tool::tr("%1 dBm (%2)").arg(dbm).arg(shown);
 }
 
 // The signal as the modem states it (AT+CSQ, 3GPP TS 27.007): the driver's
@@ -126,11 +133,11 @@ bool reportSignal(AtModem& modem, Report& report)
     json.insert(QStringLiteral("rssi"), signal.rssi);
     json.insert(QStringLiteral("ber"), signal.ber);
     if (signal.known()) {
-        report.field(QStringLiteral("Signal"), signalText(signal.dbm()));
+        report.field(Tool::tr("Signal"), signalText(signal.dbm()));
         json.insert(QStringLiteral("signal"), signal.dbm());
         json.insert(QStringLiteral("rating"), rating(signal.dbm()));
     } else {
-        report.field(QStringLiteral("Signal"), QStringLiteral("unknown (the modem reports no signal)"));
+        report.field(Tool::tr("Signal"), Tool::tr("unknown (the modem reports no signal)"));
         json.insert(QStringLiteral("signal"), QJsonValue());
         json.insert(QStringLiteral("rating"), QJsonValue());
     }
@@ -154,7 +161,7 @@ bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& repor
     if (ok)
         return true;
     if (!reply.isEmpty())
-        report.field(QStringLiteral("Reply"), reply);
+        report.field(Tool::tr("Reply"), reply);
     report.fail(QStringLiteral("%1: %2").arg(code, ussd.lastError()));
     return false;
 }
@@ -163,7 +170,7 @@ bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& repor
 // (6699)") and given in JSON as <name>Decimal and <name>Hex; -1: unknown.
 QString codeText(qlonglong value)
 {
-    return value < 0 ? QStringLiteral("unknown")
+    return value < 0 ? Tool::tr("unknown")
                      : QStringLiteral("%1 (%2)").arg(QString::number(value, 16).toUpper()).arg(value);
 }
 
@@ -262,7 +269,7 @@ QString cellHeader()
 // The serving cell of AT+CREG (hexadecimal, as modems give it).
 void reportServingCell(const QString& lac, const QString& cid, Report& report)
 {
-    report.field(QStringLiteral("Serving cell"),
+    report.field(Tool::tr("Serving cell"),
                  QStringLiteral("LAC %1, CID %2").arg(codeText(number(lac, 16)), codeText(number(cid, 16))));
     insertCode(report.json(), QStringLiteral("lac"), number(lac, 16));
     insertCode(report.json(), QStringLiteral("cid"), number(cid, 16));
@@ -309,7 +316,7 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
     zelmodems::MessageStore store(&modem);
     QList<zelmodems::StoredPdu> entries;
     if (!store.list(entries)) {
-        report.fail(QStringLiteral("cannot list the stored messages: %1").arg(store.lastError()));
+        report.fail(Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
         return false;
     }
     // What was there before the request is never the answer.
@@ -320,15 +327,15 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
     QString ignored;
     if (!modem.sendUSSD2(code, ignored)) {
         const QString why = modem.lastError();
-        report.fail(QStringLiteral("the request %1 did not go through: %2")
-                        .arg(code, why.isEmpty() ? QStringLiteral("no answer from the modem") : why));
+        report.fail(Tool::tr("the request %1 did not go through: %2")
+                        .arg(code, why.isEmpty() ? Tool::tr("no answer from the modem") : why));
         return false;
     }
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < WAIT_MS) {
         if (!store.list(entries)) {
-            report.fail(QStringLiteral("cannot list the stored messages: %1").arg(store.lastError()));
+            report.fail(Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
             return false;
         }
         QList<zelmodems::StoredPdu> fresh;
@@ -344,7 +351,7 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
                 continue;
             for (const int index : message.indexes) {
                 if (!store.remove(index))
-                    report.line(QStringLiteral("(the operator's message %1 stays on the modem: %2)")
+                    report.line(Tool::tr("(the operator's message %1 stays on the modem: %2)")
                                     .arg(index)
                                     .arg(store.lastError()));
             }
@@ -352,7 +359,7 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
         }
         QThread::msleep(POLL_MS);
     }
-    report.fail(QStringLiteral("no message with a telephone number came within %1 s of %2")
+    report.fail(Tool::tr("no message with a telephone number came within %1 s of %2")
                     .arg(WAIT_MS / 1000)
                     .arg(code));
     return false;
@@ -365,7 +372,7 @@ namespace commands {
 Report info(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("info"),
-                         QStringLiteral("Opens the port, identifies the modem (name and dialect) and reads its\n"
+                         Tool::tr("Opens the port, identifies the modem (name and dialect) and reads its\n"
                                         "IMEI, the SIM's IMSI, MCC/MNC and operator (with the operator table's\n"
                                         "entry), the signal level, the serving cell, the SIM id and the firmware\n"
                                         "revision. Queries the modem cannot answer are shown as unknown."));
@@ -373,16 +380,16 @@ Report info(const QStringList& args)
         AtModem& modem = session.modem();
         QJsonObject& json = report.json();
 
-        report.field(QStringLiteral("Port"), QStringLiteral("%1 at %2 baud").arg(session.portName()).arg(cl.baud()));
-        report.field(QStringLiteral("Modem"), QStringLiteral("%1 (dialect %2)").arg(modem.name(), modem.gsmDialect()));
+        report.field(Tool::tr("Port"), QStringLiteral("%1 at %2 baud").arg(session.portName()).arg(cl.baud()));
+        report.field(Tool::tr("Modem"), QStringLiteral("%1 (dialect %2)").arg(modem.name(), modem.gsmDialect()));
 
         QVariantMap summary;
         modem.getInfo(summary);
-        const QString unknown = QStringLiteral("unknown");
+        const QString unknown = Tool::tr("unknown");
         const QString imei = summary.value(QStringLiteral("imei")).toString();
         const QString imsi = summary.value(QStringLiteral("imsi")).toString();
-        report.field(QStringLiteral("IMEI"), imei.isEmpty() ? unknown : imei);
-        report.field(QStringLiteral("IMSI"), imsi.isEmpty() ? unknown : imsi);
+        report.field(Tool::tr("IMEI"), imei.isEmpty() ? unknown : imei);
+        report.field(Tool::tr("IMSI"), imsi.isEmpty() ? unknown : imsi);
         if (!imei.isEmpty())
             json.insert(QStringLiteral("imei"), imei);
         if (!imsi.isEmpty())
@@ -391,11 +398,11 @@ Report info(const QStringList& args)
         int mcc = 0;
         int mnc = 0;
         if (modem.getMnc(mcc, mnc)) {
-            report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
+            report.field(Tool::tr("MCC/MNC"), codesText(mcc, mnc));
             json.insert(QStringLiteral("mcc"), mcc);
             json.insert(QStringLiteral("mnc"), mnc);
         } else {
-            report.field(QStringLiteral("MCC/MNC"), unknown);
+            report.field(Tool::tr("MCC/MNC"), unknown);
         }
 
         reportNetwork(modem, report);
@@ -403,17 +410,17 @@ Report info(const QStringList& args)
         if (mcc > 0 && tableEntry(mcc, mnc, entry))
             reportEntry(entry, report);
         else if (mcc > 0)
-            report.field(QStringLiteral("Table entry"), QStringLiteral("none for %1").arg(codesText(mcc, mnc)));
+            report.field(Tool::tr("Table entry"), Tool::tr("none for %1").arg(codesText(mcc, mnc)));
 
         if (!reportSignal(modem, report))
-            report.field(QStringLiteral("Signal"), unknown);
+            report.field(Tool::tr("Signal"), unknown);
 
         QString lac;
         QString cid;
         if (modem.getGsmCells(lac, cid)) {
             reportServingCell(lac, cid, report);
         } else {
-            report.field(QStringLiteral("Serving cell"), unknown);
+            report.field(Tool::tr("Serving cell"), unknown);
         }
 
         // The Siemens family calls it "simId", the others "sim_id": the
@@ -421,13 +428,13 @@ Report info(const QStringList& args)
         for (const QString& key : {QStringLiteral("simId"), QStringLiteral("sim_id")}) {
             if (summary.contains(key)) {
                 const QString id = summary.value(key).toString();
-                report.field(QStringLiteral("SIM id"), printable(id));
+                report.field(Tool::tr("SIM id"), printable(id));
                 json.insert(key, id);
             }
         }
         if (summary.contains(QStringLiteral("revision"))) {
             const QString revision = summary.value(QStringLiteral("revision")).toString();
-            report.field(QStringLiteral("Revision"), revision);
+            report.field(Tool::tr("Revision"), revision);
             json.insert(QStringLiteral("revision"), revision);
         }
         // The neighbour cells as the modem listed them (the summary's copy
@@ -436,14 +443,14 @@ Report info(const QStringList& args)
         if (summary.contains(QStringLiteral("gsmCells")) && neighbourCells(modem, list)) {
             QStringList rows;
             json.insert(QStringLiteral("gsmCells"), cellList(list, &rows));
-            report.line(QStringLiteral("Cells:"));
+            report.line(Tool::tr("Cells:"));
             report.line(cellHeader());
             report.lines(rows);
         }
         // "unknown" above must mean the modem could not tell, not that it
         // stopped answering half-way (pulled out, crashed, hung).
         if (!modem.pollAt(1000)) {
-            report.fail(QStringLiteral("the modem on %1 stopped answering during the queries; the fields shown as "
+            report.fail(Tool::tr("the modem on %1 stopped answering during the queries; the fields shown as "
                                        "unknown were not read")
                             .arg(session.portName()));
         }
@@ -453,13 +460,13 @@ Report info(const QStringList& args)
 Report signal(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("signal"),
-                         QStringLiteral("Prints the signal level in dBm (AT+CSQ), or \"unknown\" when the modem\n"
+                         Tool::tr("Prints the signal level in dBm (AT+CSQ), or \"unknown\" when the modem\n"
                                         "cannot measure it (index 99); JSON gives the raw rssi and ber too."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
         if (!reportSignal(session.modem(), report)) {
             const QString why = session.modem().lastError();
-            report.fail(QStringLiteral("the modem did not report the signal level: %1")
-                            .arg(why.isEmpty() ? QStringLiteral("no +CSQ in its answer") : why));
+            report.fail(Tool::tr("the modem did not report the signal level: %1")
+                            .arg(why.isEmpty() ? Tool::tr("no +CSQ in its answer") : why));
         }
     });
 }
@@ -467,7 +474,7 @@ Report signal(const QStringList& args)
 Report cells(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("cells"),
-                         QStringLiteral("Prints the serving cell's location area code and cell identity (AT+CREG,\n"
+                         Tool::tr("Prints the serving cell's location area code and cell identity (AT+CREG,\n"
                                         "hexadecimal as the modem gives them, decimal in brackets), and the\n"
                                         "neighbour cells of modems that list them (Siemens/Cinterion: ^SMONC with\n"
                                         "levels from ^MONI/^MONP; SIMCOM: the packet-domain cell of AT+CGREG)."));
@@ -481,18 +488,18 @@ Report cells(const QStringList& args)
         QString list;
         const bool neighbours = neighbourCells(modem, list);
         if (!serving && !neighbours) {
-            report.fail(QStringLiteral("the modem reports no cell (not registered?)"));
+            report.fail(Tool::tr("the modem reports no cell (not registered?)"));
             return;
         }
         if (serving) {
             reportServingCell(lac, cid, report);
         } else {
-            report.field(QStringLiteral("Serving cell"), QStringLiteral("unknown"));
+            report.field(Tool::tr("Serving cell"), Tool::tr("unknown"));
         }
         if (neighbours) {
             QStringList rows;
             json.insert(QStringLiteral("cells"), cellList(list, &rows));
-            report.line(QStringLiteral("Cells (cell identity and LAC in hexadecimal, decimal in brackets):"));
+            report.line(Tool::tr("Cells (cell identity and LAC in hexadecimal, decimal in brackets):"));
             report.line(cellHeader());
             report.lines(rows);
         }
@@ -502,7 +509,7 @@ Report cells(const QStringList& args)
 Report operatorInfo(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("operator"),
-                         QStringLiteral("Prints the SIM's MCC and MNC (from the IMSI), the network's name\n"
+                         Tool::tr("Prints the SIM's MCC and MNC (from the IMSI), the network's name\n"
                                         "(AT+COPS?) and the operator table's entry for the codes: balance and\n"
                                         "own-number USSD codes, PPP user and password, the init line."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
@@ -513,14 +520,14 @@ Report operatorInfo(const QStringList& args)
         QJsonObject& json = report.json();
         json.insert(QStringLiteral("mcc"), mcc);
         json.insert(QStringLiteral("mnc"), mnc);
-        report.field(QStringLiteral("MCC/MNC"), codesText(mcc, mnc));
+        report.field(Tool::tr("MCC/MNC"), codesText(mcc, mnc));
 
         reportNetwork(session.modem(), report);
         OperatorData entry;
         if (tableEntry(mcc, mnc, entry)) {
             reportEntry(entry, report);
         } else {
-            report.field(QStringLiteral("Table entry"), QStringLiteral("none (the operator is not in the table)"));
+            report.field(Tool::tr("Table entry"), Tool::tr("none (the operator is not in the table)"));
             json.insert(QStringLiteral("operatorTable"), QJsonValue());
         }
     });
@@ -529,12 +536,12 @@ Report operatorInfo(const QStringList& args)
 Report balance(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("balance"),
-                         QStringLiteral("Asks the account balance by USSD and prints the amount found in the\n"
+                         Tool::tr("Asks the account balance by USSD and prints the amount found in the\n"
                                         "operator's reply, and the reply itself. The code is the operator table's\n"
                                         "balance code for the SIM's operator unless --code gives one. The network's\n"
                                         "reply is awaited up to about 20 s."));
     command.commandLine().addOption(QCommandLineOption(
-        CODE, QStringLiteral("USSD code to send (default: the operator's)."), QStringLiteral("code")));
+        CODE, Tool::tr("USSD code to send (default: the operator's)."), QStringLiteral("code")));
     return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
         AtModem& modem = session.modem();
 
@@ -546,7 +553,7 @@ Report balance(const QStringList& args)
                 return;
             OperatorData entry;
             if (!tableEntry(mcc, mnc, entry) || entry.balancePhone().isEmpty()) {
-                report.fail(QStringLiteral("the operator table has no balance code for %1; give one with --code")
+                report.fail(Tool::tr("the operator table has no balance code for %1; give one with --code")
                                 .arg(codesText(mcc, mnc)));
                 return;
             }
@@ -557,15 +564,15 @@ Report balance(const QStringList& args)
             return;
         // A reply of only a status carries no balance at all.
         if (reply.trimmed().isEmpty()) {
-            report.fail(QStringLiteral("the network answered %1 without a reply text").arg(code));
+            report.fail(Tool::tr("the network answered %1 without a reply text").arg(code));
             return;
         }
         // A balance only where the operator's text holds a number.
         const bool hasAmount = reply.contains(QRegularExpression(QStringLiteral("\\d")));
         const double amount = modem.parseModemBalance(reply);
-        report.field(QStringLiteral("Balance"),
-                     hasAmount ? QString::number(amount, 'f', 2) : QStringLiteral("not in the reply"));
-        report.field(QStringLiteral("Reply"), reply);
+        report.field(Tool::tr("Balance"),
+                     hasAmount ? QString::number(amount, 'f', 2) : Tool::tr("not in the reply"));
+        report.field(Tool::tr("Reply"), reply);
         report.json().insert(QStringLiteral("amount"), hasAmount ? QJsonValue(amount) : QJsonValue());
         report.json().insert(QStringLiteral("text"), reply);
     });
@@ -574,15 +581,15 @@ Report balance(const QStringList& args)
 Report ussd(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("ussd"),
-                         QStringLiteral("Sends a USSD code and prints the network's reply (awaited up to about\n"
+                         Tool::tr("Sends a USSD code and prints the network's reply (awaited up to about\n"
                                         "20 s). Codes are written as on a phone: *100#."));
-    command.commandLine().addPositional(QStringLiteral("CODE"), QStringLiteral("The USSD code, for example *100#."));
+    command.commandLine().addPositional(QStringLiteral("CODE"), Tool::tr("The USSD code, for example *100#."));
     return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
         const QString code = cl.positional(1);
         QString reply;
         if (!sendUssd(session.modem(), code, reply, report))
             return;
-        report.field(QStringLiteral("Reply"), reply.isEmpty() ? QStringLiteral("(no text)") : reply);
+        report.field(Tool::tr("Reply"), reply.isEmpty() ? Tool::tr("(no text)") : reply);
         report.json().insert(QStringLiteral("reply"), reply);
     });
 }
@@ -590,7 +597,7 @@ Report ussd(const QStringList& args)
 Report ownNumber(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("own-number"),
-                         QStringLiteral("Asks the operator for the SIM's own telephone number, with the operator\n"
+                         Tool::tr("Asks the operator for the SIM's own telephone number, with the operator\n"
                                         "table's code and way unless --code and --sms/--ussd-reply say otherwise.\n"
                                         "By USSD reply the number is read from the reply (up to about 20 s). By\n"
                                         "SMS the operator sends the number in a message: the tool waits up to 30 s\n"
@@ -598,13 +605,13 @@ Report ownNumber(const QStringList& args)
     const QString SMS = QStringLiteral("sms");
     const QString REPLY = QStringLiteral("ussd-reply");
     CommandLine& commandLine = command.commandLine();
-    commandLine.addOption(QCommandLineOption(CODE, QStringLiteral("USSD code to send (default: the operator's)."),
+    commandLine.addOption(QCommandLineOption(CODE, Tool::tr("USSD code to send (default: the operator's)."),
                                              QStringLiteral("code")));
-    commandLine.addOption(QCommandLineOption(SMS, QStringLiteral("The number comes back as an SMS.")));
-    commandLine.addOption(QCommandLineOption(REPLY, QStringLiteral("The number comes back as the USSD reply.")));
+    commandLine.addOption(QCommandLineOption(SMS, Tool::tr("The number comes back as an SMS.")));
+    commandLine.addOption(QCommandLineOption(REPLY, Tool::tr("The number comes back as the USSD reply.")));
     command.setCheck([&](const CommandLine& cl, Report& report) {
         if (cl.isSet(SMS) && cl.isSet(REPLY)) {
-            report.fail(QStringLiteral("--sms and --ussd-reply exclude each other"), Report::UsageError);
+            report.fail(Tool::tr("--sms and --ussd-reply exclude each other"), Report::UsageError);
             return false;
         }
         return true;
@@ -620,7 +627,7 @@ Report ownNumber(const QStringList& args)
             if (code.isEmpty()) {
                 if (!known || entry.selfNumberPhone().isEmpty()) {
                     report.fail(
-                        QStringLiteral("the operator table has no own-number code for %1; give one with --code")
+                        Tool::tr("the operator table has no own-number code for %1; give one with --code")
                             .arg(mcc > 0 ? codesText(mcc, mnc) : QStringLiteral("this SIM")));
                     return;
                 }
@@ -636,16 +643,16 @@ Report ownNumber(const QStringList& args)
                 return;
         } else if (!session.modem().requestSelfNumber(false, code, number)) {
             const QString why = session.modem().lastError();
-            report.fail(QStringLiteral("the request %1 did not go through: %2")
-                            .arg(code, why.isEmpty() ? QStringLiteral("no reply from the network") : why));
+            report.fail(Tool::tr("the request %1 did not go through: %2")
+                            .arg(code, why.isEmpty() ? Tool::tr("no reply from the network") : why));
             return;
         }
         if (number.isEmpty()) {
-            report.fail(QStringLiteral("the operator's %1 held no telephone number")
+            report.fail(Tool::tr("the operator's %1 held no telephone number")
                             .arg(fromSms ? QStringLiteral("messages") : QStringLiteral("reply")));
             return;
         }
-        report.field(QStringLiteral("Own number"), number);
+        report.field(Tool::tr("Own number"), number);
         report.json().insert(QStringLiteral("code"), code);
         report.json().insert(QStringLiteral("fromSms"), fromSms);
         report.json().insert(QStringLiteral("number"), number);

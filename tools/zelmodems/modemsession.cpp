@@ -1,4 +1,5 @@
 #include "modemsession.h"
+#include "tooltext.h"
 #include "commandline.h"
 #include "report.h"
 #include "declaredports.h"
@@ -61,7 +62,7 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
     const bool known = tool ? tool->exists(m_portName)
                             : ports.port(m_portName).exists || QFileInfo::exists(device);
     if (!known) {
-        report.fail(QStringLiteral("no such port: %1").arg(m_portName));
+        report.fail(Tool::tr("no such port: %1").arg(m_portName));
         return false;
     }
     QString opened = device;
@@ -70,7 +71,7 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         m_recorder = std::make_unique<DialogueRecorder>();
         QString why;
         if (!m_recorder->start(device, recording, &why)) {
-            report.fail(QStringLiteral("cannot record: %1").arg(why));
+            report.fail(Tool::tr("cannot record: %1").arg(why));
             return false;
         }
         opened = m_recorder->clientPath();
@@ -78,17 +79,17 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
     if (!m_modem.open(opened, commandLine.baud(), commandLine.attempts())) {
         const QString holder = holderOf(device);
         if (!holder.isEmpty()) {
-            report.fail(QStringLiteral("%1 is in use by another program (%2)").arg(m_portName, holder));
+            report.fail(Tool::tr("%1 is in use by another program (%2)").arg(m_portName, holder));
             return false;
         }
         if (!QFileInfo::exists(device)) {
-            report.fail(QStringLiteral("%1 disappeared while it was being opened").arg(m_portName));
+            report.fail(Tool::tr("%1 disappeared while it was being opened").arg(m_portName));
             return false;
         }
         QString why = m_modem.lastError();
         if (why.isEmpty())
-            why = QStringLiteral("no answer to AT");
-        report.fail(QStringLiteral("no modem answers on %1 at %2 baud: %3")
+            why = Tool::tr("no answer to AT");
+        report.fail(Tool::tr("no modem answers on %1 at %2 baud: %3")
                         .arg(m_portName)
                         .arg(commandLine.baud())
                         .arg(why));
@@ -109,7 +110,7 @@ bool ModemSession::operatorCodes(int& mcc, int& mnc, Report& report)
         return true;
     QString why = m_modem.lastError();
     if (why.isEmpty())
-        why = QStringLiteral("the SIM gives no IMSI (no SIM card, or a PIN is needed?)");
-    report.fail(QStringLiteral("cannot read the SIM's operator codes on %1: %2").arg(m_portName, why));
+        why = Tool::tr("the SIM gives no IMSI (no SIM card, or a PIN is needed?)");
+    report.fail(Tool::tr("cannot read the SIM's operator codes on %1: %2").arg(m_portName, why));
     return false;
 }

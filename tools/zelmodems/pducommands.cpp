@@ -1,5 +1,6 @@
 // pdu encode and pdu explain: the library's PDU toolkit, no modem needed.
 #include "commandline.h"
+#include "tooltext.h"
 #include "commands.h"
 #include "pdu.h"
 #include "shortmessage.h"
@@ -48,11 +49,11 @@ void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
     const auto orNull = [](int value) { return value < 0 ? QJsonValue() : QJsonValue(value); };
     report.line(QStringLiteral("SMS-DELIVER"));
     if (!sms.serviceCentre().isEmpty())
-        report.line(QStringLiteral("  Service centre: %1").arg(sms.serviceCentre()));
+        report.line(Tool::tr("  Service centre: %1").arg(sms.serviceCentre()));
     report.line(QStringLiteral("  Sender: %1%2")
                     .arg(sms.address(), sms.isAlphanumericAddress() ? QStringLiteral(" (alphanumeric)") : QString()));
-    report.line(QStringLiteral("  Service centre time stamp: %1").arg(isoTime(sms.serviceCentreTime())));
-    report.line(QStringLiteral("  Data coding scheme: 0x%1 (%2%3)")
+    report.line(Tool::tr("  Service centre time stamp: %1").arg(isoTime(sms.serviceCentreTime())));
+    report.line(Tool::tr("  Data coding scheme: 0x%1 (%2%3)")
                     .arg(sms.dataCodingScheme(), 2, 16, QLatin1Char('0'))
                     .arg(alphabetName(sms.alphabet()))
                     .arg(sms.messageClass() < 0 ? QString() : QStringLiteral(", class %1").arg(sms.messageClass())));
@@ -99,15 +100,15 @@ void explainSubmit(const QString& hex, bool withServiceCentre, Report& report)
         return;
     }
     report.line(QStringLiteral("SMS-SUBMIT"));
-    report.line(QStringLiteral("  Message reference: %1").arg(submit.messageReference()));
-    report.line(QStringLiteral("  Recipient: %1 (type of address 0x%2)")
+    report.line(Tool::tr("  Message reference: %1").arg(submit.messageReference()));
+    report.line(Tool::tr("  Recipient: %1 (type of address 0x%2)")
                     .arg(submit.recipient())
                     .arg(submit.recipientType(), 2, 16, QLatin1Char('0')));
-    report.line(QStringLiteral("  Status report requested: %1")
+    report.line(Tool::tr("  Status report requested: %1")
                     .arg(submit.statusReport() ? QStringLiteral("yes") : QStringLiteral("no")));
     if (submit.validityMinutes() > 0)
         report.line(QStringLiteral("  Validity: %1 minutes").arg(submit.validityMinutes()));
-    report.line(QStringLiteral("  Data coding scheme: 0x%1 (%2)")
+    report.line(Tool::tr("  Data coding scheme: 0x%1 (%2)")
                     .arg(submit.dataCodingScheme(), 2, 16, QLatin1Char('0'))
                     .arg(alphabetName(submit.alphabet())));
     if (!submit.header().isEmpty()) {
@@ -155,12 +156,12 @@ Report pduEncode(const QStringList& args)
 {
     Report report;
     CommandLine cl(QStringLiteral("pdu encode"),
-                   QStringLiteral("Builds the SMS-SUBMIT PDUs that send TEXT to NUMBER from a modem in PDU\n"
+                   Tool::tr("Builds the SMS-SUBMIT PDUs that send TEXT to NUMBER from a modem in PDU\n"
                                   "mode: one PDU, or a concatenated series for a long text. Each is shown\n"
                                   "with its AT+CMGS length argument."));
     cl.addPositional(QStringLiteral("NUMBER"),
-                     QStringLiteral("The recipient (+79161234567 international, otherwise as dialled)."));
-    cl.addPositional(QStringLiteral("TEXT"), QStringLiteral("The message text."));
+                     Tool::tr("The recipient (+79161234567 international, otherwise as dialled)."));
+    cl.addPositional(QStringLiteral("TEXT"), Tool::tr("The message text."));
     const QString ALPHABET = QStringLiteral("alphabet");
     const QString NATIONAL = QStringLiteral("national");
     const QString REPORT = QStringLiteral("status-report");
@@ -168,18 +169,18 @@ Report pduEncode(const QStringList& args)
     const QString REFERENCE = QStringLiteral("reference");
     const QString REF16 = QStringLiteral("ref16");
     const QString SMSC = QStringLiteral("smsc");
-    cl.addOption(QCommandLineOption(ALPHABET, QStringLiteral("auto (default), gsm7, 8bit or ucs2."),
+    cl.addOption(QCommandLineOption(ALPHABET, Tool::tr("auto (default), gsm7, 8bit or ucs2."),
                                     QStringLiteral("name"), QStringLiteral("auto")));
-    cl.addOption(QCommandLineOption(NATIONAL, QStringLiteral("The number is a national one (type of address 0xA1).")));
-    cl.addOption(QCommandLineOption(REPORT, QStringLiteral("Ask for a status report.")));
-    cl.addOption(QCommandLineOption(VALIDITY, QStringLiteral("Relative validity period in minutes."),
+    cl.addOption(QCommandLineOption(NATIONAL, Tool::tr("The number is a national one (type of address 0xA1).")));
+    cl.addOption(QCommandLineOption(REPORT, Tool::tr("Ask for a status report.")));
+    cl.addOption(QCommandLineOption(VALIDITY, Tool::tr("Relative validity period in minutes."),
                                     QStringLiteral("minutes")));
     cl.addOption(QCommandLineOption(REFERENCE,
-                                    QStringLiteral("Concatenation reference of a long message (default: "
+                                    Tool::tr("Concatenation reference of a long message (default: "
                                                    "the next of a counter)."),
                                     QStringLiteral("n")));
-    cl.addOption(QCommandLineOption(REF16, QStringLiteral("16-bit concatenation references.")));
-    cl.addOption(QCommandLineOption(SMSC, QStringLiteral("Service centre to put in front (default: the "
+    cl.addOption(QCommandLineOption(REF16, Tool::tr("16-bit concatenation references.")));
+    cl.addOption(QCommandLineOption(SMSC, Tool::tr("Service centre to put in front (default: the "
                                                          "modem's stored one)."),
                                     QStringLiteral("number")));
     if (!cl.parse(args, report))
@@ -196,7 +197,7 @@ Report pduEncode(const QStringList& args)
     else if (alphabet == QLatin1String("ucs2"))
         options.setAlphabet(PDU::Ucs2Alphabet);
     else {
-        report.fail(QStringLiteral("--alphabet takes auto, gsm7, 8bit or ucs2, not \"%1\"").arg(cl.value(ALPHABET)),
+        report.fail(Tool::tr("--alphabet takes auto, gsm7, 8bit or ucs2, not \"%1\"").arg(cl.value(ALPHABET)),
                     Report::UsageError);
         return report;
     }
@@ -207,7 +208,7 @@ Report pduEncode(const QStringList& args)
         bool ok = false;
         options.setValidityMinutes(cl.value(VALIDITY).toInt(&ok));
         if (!ok || options.validityMinutes() <= 0) {
-            report.fail(QStringLiteral("--validity takes a positive number of minutes"), Report::UsageError);
+            report.fail(Tool::tr("--validity takes a positive number of minutes"), Report::UsageError);
             return report;
         }
     }
@@ -216,7 +217,7 @@ Report pduEncode(const QStringList& args)
         options.setConcatReference(cl.value(REFERENCE).toInt(&ok));
         const int limit = cl.isSet(REF16) ? 65535 : 255;
         if (!ok || options.concatReference() < 0 || options.concatReference() > limit) {
-            report.fail(QStringLiteral("--reference takes a number from 0 to %1").arg(limit), Report::UsageError);
+            report.fail(Tool::tr("--reference takes a number from 0 to %1").arg(limit), Report::UsageError);
             return report;
         }
     }
@@ -226,7 +227,7 @@ Report pduEncode(const QStringList& args)
     QString error;
     const QList<PDU> pdus = zelmodems::encodeSmsSubmit(cl.positional(0), cl.positional(1), options, &error);
     if (pdus.isEmpty()) {
-        report.fail(QStringLiteral("cannot encode the message: %1").arg(error));
+        report.fail(Tool::tr("cannot encode the message: %1").arg(error));
         return report;
     }
     QJsonArray parts;
@@ -250,22 +251,22 @@ Report pduExplain(const QStringList& args)
 {
     Report report;
     CommandLine cl(QStringLiteral("pdu explain"),
-                   QStringLiteral("Explains an SMS PDU given in hexadecimal (as a modem lists it in PDU\n"
+                   Tool::tr("Explains an SMS PDU given in hexadecimal (as a modem lists it in PDU\n"
                                   "mode, service centre part first): SMS-DELIVER (a received message),\n"
                                   "SMS-SUBMIT (one to be sent) or SMS-STATUS-REPORT, told apart by the\n"
                                   "message type indicator. With --udh, HEX is a user-data header (its\n"
                                   "length octet first)."));
-    cl.addPositional(QStringLiteral("HEX"), QStringLiteral("The PDU in hexadecimal (blanks allowed)."));
+    cl.addPositional(QStringLiteral("HEX"), Tool::tr("The PDU in hexadecimal (blanks allowed)."));
     const QString NO_SMSC = QStringLiteral("no-smsc");
     const QString UDH = QStringLiteral("udh");
-    cl.addOption(QCommandLineOption(NO_SMSC, QStringLiteral("The PDU has no service-centre part in front.")));
-    cl.addOption(QCommandLineOption(UDH, QStringLiteral("HEX is a user-data header.")));
+    cl.addOption(QCommandLineOption(NO_SMSC, Tool::tr("The PDU has no service-centre part in front.")));
+    cl.addOption(QCommandLineOption(UDH, Tool::tr("HEX is a user-data header.")));
     if (!cl.parse(args, report))
         return report;
 
     QString hex;
     if (!cleanHex(cl.positional(0), hex)) {
-        report.fail(QStringLiteral("\"%1\" is not hexadecimal octets").arg(cl.positional(0)), Report::UsageError);
+        report.fail(Tool::tr("\"%1\" is not hexadecimal octets").arg(cl.positional(0)), Report::UsageError);
         return report;
     }
     const QByteArray octets = QByteArray::fromHex(hex.toLatin1());
@@ -280,7 +281,7 @@ Report pduExplain(const QStringList& args)
     const bool withServiceCentre = !cl.isSet(NO_SMSC);
     const int firstOctet = withServiceCentre ? 1 + static_cast<uchar>(octets.at(0)) : 0;
     if (firstOctet >= octets.size()) {
-        report.fail(QStringLiteral("the PDU ends before its first octet (is the service-centre part "
+        report.fail(Tool::tr("the PDU ends before its first octet (is the service-centre part "
                                    "missing? see --no-smsc)"));
         return report;
     }
@@ -288,7 +289,7 @@ Report pduExplain(const QStringList& args)
     case 0: explainDeliver(hex, withServiceCentre, report); break;
     case 1: explainSubmit(hex, withServiceCentre, report); break;
     case 2: explainStatus(hex, withServiceCentre, report); break;
-    default: report.fail(QStringLiteral("message type indicator 3 is reserved: not an SMS PDU")); break;
+    default: report.fail(Tool::tr("message type indicator 3 is reserved: not an SMS PDU")); break;
     }
     return report;
 }

@@ -1,5 +1,6 @@
 // sms list, read, delete, take and send: the modem's SMS store and sending.
 #include "commandline.h"
+#include "tooltext.h"
 #include "commands.h"
 #include "messagestore.h"
 #include "modemcommand.h"
@@ -18,6 +19,19 @@ using zelmodems::StoredPdu;
 namespace commands {
 
 namespace {
+
+// The store status in words for a person; JSON keeps the English keyword.
+QString statusText(StoredPdu::Status status)
+{
+    switch (status) {
+    case StoredPdu::Unread: return Tool::tr("unread");
+    case StoredPdu::Read: return Tool::tr("read");
+    case StoredPdu::Unsent: return Tool::tr("unsent");
+    case StoredPdu::Sent: return Tool::tr("sent");
+    case StoredPdu::UnknownStatus: break;
+    }
+    return Tool::tr("unknown");
+}
 
 QString partsText(const StoredMessage& message)
 {
@@ -44,9 +58,9 @@ QString indexesText(const StoredMessage& message)
 void describe(const StoredMessage& message, Report& report)
 {
     report.line();
-    const QString status = StoredPdu::statusName(message.status);
+    const QString status = statusText(message.status);
     if (!message.decoded) {
-        report.line(QStringLiteral("[%1] %2  cannot be read: %3")
+        report.line(Tool::tr("[%1] %2  cannot be read: %3")
                         .arg(indexesText(message), status,
                              message.problem.isEmpty() ? QStringLiteral("undecodable PDU") : message.problem));
         return;
@@ -89,7 +103,7 @@ bool readStore(ModemSession& session, QList<StoredMessage>& messages, Report& re
     MessageStore store(&session.modem());
     QList<StoredPdu> entries;
     if (!store.list(entries)) {
-        report.fail(QStringLiteral("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
+        report.fail(Tool::tr("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
         return false;
     }
     messages = groupStoredMessages(entries);
@@ -121,7 +135,7 @@ bool parseIndexes(const QStringList& words, QList<int>& indexes, Report& report)
         bool ok = false;
         const int index = word.toInt(&ok);
         if (!ok || index < 0 || index > MessageStore::MaxIndex) {
-            report.fail(QStringLiteral("\"%1\" is not a message index (0 to %2)").arg(word).arg(MessageStore::MaxIndex),
+            report.fail(Tool::tr("\"%1\" is not a message index (0 to %2)").arg(word).arg(MessageStore::MaxIndex),
                         Report::UsageError);
             return false;
         }
@@ -139,7 +153,7 @@ bool deleteIndexes(ModemSession& session, const QList<int>& indexes, Report& rep
     QJsonArray deleted;
     for (const int index : indexes) {
         if (store.remove(index)) {
-            report.line(QStringLiteral("Deleted message %1.").arg(index));
+            report.line(Tool::tr("Deleted message %1.").arg(index));
             deleted.append(index);
         } else {
             failures << store.lastError();
@@ -158,23 +172,23 @@ bool deleteIndexes(ModemSession& session, const QList<int>& indexes, Report& rep
 Report smsList(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("sms list"),
-                         QStringLiteral("Lists every message stored in the modem (PDU mode): index, time with its\n"
+                         Tool::tr("Lists every message stored in the modem (PDU mode): index, time with its\n"
                                         "zone offset, status (unread, read, unsent, sent), sender or recipient,\n"
                                         "text, and for long messages whether every part is there. Nothing is\n"
                                         "deleted (\"sms delete\", \"sms take\"); the modem marks listed messages read."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
         QList<StoredMessage> messages;
         if (readStore(session, messages, report))
-            show(messages, QStringLiteral("%1 message(s) in the modem:"), report);
+            show(messages, Tool::tr("%1 message(s) in the modem:"), report);
     });
 }
 
 Report smsDelete(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("sms delete"),
-                         QStringLiteral("Deletes the stored messages with the given indexes (as \"sms list\" shows\n"
+                         Tool::tr("Deletes the stored messages with the given indexes (as \"sms list\" shows\n"
                                         "them) and says for each whether the modem deleted it."));
-    command.commandLine().addPositional(QStringLiteral("INDEX"), QStringLiteral("Store indexes to delete."), true, true);
+    command.commandLine().addPositional(QStringLiteral("INDEX"), Tool::tr("Store indexes to delete."), true, true);
     return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
         QList<int> indexes;
         if (parseIndexes(cl.positional().mid(1), indexes, report))
@@ -185,7 +199,7 @@ Report smsDelete(const QStringList& args)
 Report smsTake(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("sms take"),
-                         QStringLiteral("Prints the received messages that could be read whole, and then deletes\n"
+                         Tool::tr("Prints the received messages that could be read whole, and then deletes\n"
                                         "those - and only those - from the modem. Messages that cannot be read, lone\n"
                                         "parts of long messages and stored outgoing messages stay. Nothing is\n"
                                         "deleted when the output could not be written."));
@@ -203,34 +217,34 @@ Report smsTake(const QStringList& args)
         }
         Report shown;
         shown.setJsonOutput(report.jsonOutput());
-        show(taken, QStringLiteral("%1 message(s), taken from the modem:"), shown);
+        show(taken, Tool::tr("%1 message(s), taken from the modem:"), shown);
         shown.json().insert(QStringLiteral("left"), all.size() - taken.size());
         if (shown.print(QStringLiteral("zelmodems sms take")) != Report::Success) {
             report.setPrinted();
-            report.fail(QStringLiteral("the messages could not be written out; none was deleted"));
+            report.fail(Tool::tr("the messages could not be written out; none was deleted"));
             return;
         }
         report.setPrinted();
         Report deletions;
         if (!deleteIndexes(session, indexes, deletions))
-            report.fail(QStringLiteral("not every message taken was deleted: %1").arg(deletions.error()));
+            report.fail(Tool::tr("not every message taken was deleted: %1").arg(deletions.error()));
     });
 }
 
 Report smsSend(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("sms send"),
-                         QStringLiteral("Sends an SMS in PDU mode: any text, in UCS2 when the GSM alphabet cannot\n"
+                         Tool::tr("Sends an SMS in PDU mode: any text, in UCS2 when the GSM alphabet cannot\n"
                                         "carry it and in several parts when it is long. It counts as sent only when\n"
                                         "the modem confirmed every part (+CMGS: <reference>). A number or text with\n"
                                         "control characters (Ctrl-Z, ESC, line breaks in the number) is refused\n"
                                         "and nothing is sent."));
     const QString WAIT = QStringLiteral("wait");
     command.commandLine().addPositional(QStringLiteral("NUMBER"),
-                                        QStringLiteral("The recipient (+79161234567, or digits, * and #)."));
-    command.commandLine().addPositional(QStringLiteral("TEXT"), QStringLiteral("The message text."));
+                                        Tool::tr("The recipient (+79161234567, or digits, * and #)."));
+    command.commandLine().addPositional(QStringLiteral("TEXT"), Tool::tr("The message text."));
     command.commandLine().addOption(QCommandLineOption(
-        WAIT, QStringLiteral("Seconds to wait for the network's confirmation of each part (default 30)."),
+        WAIT, Tool::tr("Seconds to wait for the network's confirmation of each part (default 30)."),
         QStringLiteral("seconds"), QStringLiteral("30")));
     return command.run(args, [&](ModemSession& session, const CommandLine& cl, Report& report) {
         const QString number = cl.positional(1);
@@ -238,7 +252,7 @@ Report smsSend(const QStringList& args)
         bool ok = false;
         const int seconds = cl.value(WAIT).toInt(&ok);
         if (!ok || seconds < 1 || seconds > 600) {
-            report.fail(QStringLiteral("--wait takes 1 to 600 seconds"), Report::UsageError);
+            report.fail(Tool::tr("--wait takes 1 to 600 seconds"), Report::UsageError);
             return;
         }
         zelmodems::SmsSender sender(&session.modem());
@@ -252,13 +266,13 @@ Report smsSend(const QStringList& args)
         report.json().insert(QStringLiteral("references"), references);
         report.json().insert(QStringLiteral("sent"), sent);
         if (!sent) {
-            report.fail(QStringLiteral("message to %1: %2").arg(number, sender.lastError()));
+            report.fail(Tool::tr("message to %1: %2").arg(number, sender.lastError()));
             return;
         }
         QStringList refs;
         for (const int r : sender.references())
             refs << QString::number(r);
-        report.line(QStringLiteral("Sent to %1 in %2 part(s), confirmed (reference %3).")
+        report.line(Tool::tr("Sent to %1 in %2 part(s), confirmed (reference %3).")
                         .arg(number)
                         .arg(sender.partCount())
                         .arg(refs.join(QStringLiteral(", "))));

@@ -1,5 +1,6 @@
 // wvdialconf: the system's own modem search, through the library's runner.
 #include "commandline.h"
+#include "tooltext.h"
 #include "commands.h"
 #include "wvdialconfwrapper.h"
 
@@ -67,7 +68,7 @@ Report wvdialconf(const QStringList& args)
 {
     Report report;
     CommandLine cl(QStringLiteral("wvdialconf"),
-                   QStringLiteral("Stops every running dialer (sudo killall pppd, sudo killall wvdial: a\n"
+                   Tool::tr("Stops every running dialer (sudo killall pppd, sudo killall wvdial: a\n"
                                   "data connection in progress is DROPPED; the running ones are listed and\n"
                                   "stopped only after a yes or with --yes), runs wvdialconf to search the\n"
                                   "serial ports, and prints the search file it wrote:\n"
@@ -76,14 +77,14 @@ Report wvdialconf(const QStringList& args)
                                   "configuration file)."));
     const QString TIMEOUT = QStringLiteral("timeout");
     const QString YES = QStringLiteral("yes");
-    cl.addOption(QCommandLineOption(YES, QStringLiteral("Stop the running dialers without asking.")));
+    cl.addOption(QCommandLineOption(YES, Tool::tr("Stop the running dialers without asking.")));
     const QString PROGRAM = QStringLiteral("program");
     cl.addOption(QCommandLineOption(TIMEOUT,
-                                    QStringLiteral("Wait at most this many milliseconds for wvdialconf "
+                                    Tool::tr("Wait at most this many milliseconds for wvdialconf "
                                                    "(default 60000; -1: no limit)."),
                                     QStringLiteral("ms"), QStringLiteral("60000")));
     cl.addOption(QCommandLineOption(PROGRAM,
-                                    QStringLiteral("The wvdialconf program (default %1).")
+                                    Tool::tr("The wvdialconf program (default %1).")
                                         .arg(WvDialConfWrapper::WVDIAL_COMMAND),
                                     QStringLiteral("path")));
     if (!cl.parse(args, report))
@@ -91,14 +92,14 @@ Report wvdialconf(const QStringList& args)
     bool ok = false;
     const int timeout = cl.value(TIMEOUT).toInt(&ok);
     if (!ok || timeout < -1) {
-        report.fail(QStringLiteral("--timeout takes milliseconds (or -1)"), Report::UsageError);
+        report.fail(Tool::tr("--timeout takes milliseconds (or -1)"), Report::UsageError);
         return report;
     }
     if (cl.isSet(PROGRAM))
         WvDialConfWrapper::WVDIAL_COMMAND = cl.value(PROGRAM);
     const QString program = WvDialConfWrapper::WVDIAL_COMMAND;
     if (!QFileInfo(program).isExecutable()) {
-        report.fail(QStringLiteral("%1 is not there or not executable (Debian: apt install wvdial)").arg(program));
+        report.fail(Tool::tr("%1 is not there or not executable (Debian: apt install wvdial)").arg(program));
         return report;
     }
 
@@ -107,7 +108,7 @@ Report wvdialconf(const QStringList& args)
     // Everything wvdialconf needs is checked before any dialer is stopped.
     const QFileInfo modemsDir(QFileInfo(searchFile).path());
     if (workDir.isEmpty() || !modemsDir.isDir() || !modemsDir.isWritable()) {
-        report.fail(QStringLiteral("the folder %1 for the search file is not there or not writable (the work "
+        report.fail(Tool::tr("the folder %1 for the search file is not there or not writable (the work "
                                    "directory comes from /opt/orvel5zel/etc/zel5.conf, or QT5EXT_INITCONFIG); "
                                    "nothing was stopped")
                         .arg(modemsDir.filePath()));
@@ -115,7 +116,7 @@ Report wvdialconf(const QStringList& args)
     }
     const QStringList dialers = runningDialers();
     if (!dialers.isEmpty() && !cl.isSet(YES) && !confirmed(dialers)) {
-        report.fail(QStringLiteral("%1 would be stopped and their connections dropped; nothing was stopped (run "
+        report.fail(Tool::tr("%1 would be stopped and their connections dropped; nothing was stopped (run "
                                    "again with --yes to go on)")
                         .arg(dialers.join(QStringLiteral(", "))));
         return report;
@@ -136,14 +137,14 @@ Report wvdialconf(const QStringList& args)
     const QFileInfo written(searchFile);
     if (!written.exists() || written.lastModified() < started) {
         toolErrors.removeAll(QString());
-        report.fail(QStringLiteral("%1 did not write %2: %3")
+        report.fail(Tool::tr("%1 did not write %2: %3")
                         .arg(program, searchFile,
-                             toolErrors.isEmpty() ? QStringLiteral("it said nothing") : toolErrors.join(QLatin1String("; "))));
+                             toolErrors.isEmpty() ? Tool::tr("it said nothing") : toolErrors.join(QLatin1String("; "))));
         return report;
     }
     QFile file(searchFile);
     if (!file.open(QIODevice::ReadOnly)) {
-        report.fail(QStringLiteral("cannot read %1: %2").arg(searchFile, file.errorString()));
+        report.fail(Tool::tr("cannot read %1: %2").arg(searchFile, file.errorString()));
         return report;
     }
     const QString content = QString::fromUtf8(file.readAll());
