@@ -1,4 +1,5 @@
 #include "dialoguerecorder.h"
+#include "storedmessages.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -155,8 +156,7 @@ bool DialogueRecorder::start(const QString& device, const QString& file, QString
     }
     const QJsonObject header{ { QStringLiteral("zelmodemsRecording"), 1 },
                               { QStringLiteral("device"), device },
-                              { QStringLiteral("started"), QDateTime::currentDateTime().toOffsetFromUtc(
-                                    QDateTime::currentDateTime().offsetFromUtc()).toString(Qt::ISODate) } };
+                              { QStringLiteral("started"), isoTime(QDateTime::currentDateTime()) } };
     d->file.write(QJsonDocument(header).toJson(QJsonDocument::Compact) + '\n');
     d->clock.start();
     d->relay = std::thread([this] { d->run(); });

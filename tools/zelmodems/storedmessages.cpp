@@ -19,7 +19,14 @@ QString isoTime(const QDateTime& time)
 {
     if (!time.isValid())
         return QString();
-    return time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODate);
+    // Always the offset, +00:00 included (Qt writes "Z" for UTC).
+    const int offset = time.offsetFromUtc();
+    const int minutes = qAbs(offset) / 60;
+    return time.toOffsetFromUtc(offset).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))
+         + QStringLiteral("%1%2:%3")
+               .arg(offset < 0 ? QLatin1Char('-') : QLatin1Char('+'))
+               .arg(minutes / 60, 2, 10, QLatin1Char('0'))
+               .arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }
 
 QList<StoredMessage> groupStoredMessages(const QList<StoredPdu>& entries)

@@ -31,5 +31,6 @@ struct StoredMessage
 // The messages of a store listing, in the order of their first entry.
 QList<StoredMessage> groupStoredMessages(const QList<zelmodems::StoredPdu>& entries);
 
-// A time stamp in ISO 8601 with its zone offset (2026-11-24T09:57:42+03:00).
+// A time stamp in ISO 8601 with its zone offset (2026-11-24T09:57:42+03:00,
+// 2026-11-24T06:57:42+00:00).
 QString isoTime(const QDateTime& time);
