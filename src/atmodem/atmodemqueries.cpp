@@ -95,7 +95,9 @@ bool AtModem::getSignalLevel(int& level)
         bool ok = false;
         const int rssi = parts.at(0).toInt(&ok, 10);
         // 3GPP TS 27.007: index 0 is -113 dBm or less, 31 is -51 dBm or more.
-        level = ok ? 2 * rssi - 113 : 0;
+        // Indexes from 57 on give a level >= 0 (a substitute, below); they are
+        // not multiplied, so that a huge one cannot overflow.
+        level = ok && rssi <= 56 ? 2 * rssi - 113 : 0;
     }
     // Index 99 ("not known") and anything out of range come out >= 0.
     if (level >= 0)

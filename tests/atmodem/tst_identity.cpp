@@ -229,6 +229,7 @@ private slots:
         QTest::newRow("index 56, still negative") << QByteArray("\r\n+CSQ: 56,0\r\n\r\nOK\r\n") << true << -1;
         QTest::newRow("index 99: not known") << QByteArray("\r\n+CSQ: 99,99\r\n\r\nOK\r\n") << true << 0;
         QTest::newRow("index 57: out of range") << QByteArray("\r\n+CSQ: 57,0\r\n\r\nOK\r\n") << true << 0;
+        QTest::newRow("index that would overflow") << QByteArray("\r\n+CSQ: 2000000000,99\r\n\r\nOK\r\n") << true << 0;
         QTest::newRow("no pair") << QByteArray("\r\n+CSQ: 20\r\n\r\nOK\r\n") << true << 0;
         QTest::newRow("ERROR") << QByteArray("\r\nERROR\r\n") << false << 0;
         QTest::newRow("ERROR after a pair") << QByteArray("\r\n+CSQ: 10,0\r\n+CME ERROR: 1\r\n") << true << -93;

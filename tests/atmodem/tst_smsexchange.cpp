@@ -128,6 +128,10 @@ private slots:
         QTest::newRow("modem falls silent after one entry")
             << ListingRow{{DeliverPdu::gsm7("+79035550001", when, "one"), DeliverPdu::gsm7("MegaFon", when, "two")}, "",
                           1, {line("+79035550001", when, "one")}, 1, {2}, ""};
+        // An index past any store's range is never read as 0 and deleted.
+        QTest::newRow("index too large")
+            << ListingRow{{}, "+CMGL: 99999999999,1,,23\r\n" + DeliverPdu::gsm7("+79035550000", when, "x") + "\r\n",
+                          -1, {}, 0, {}, "SMS index 99999999999 refused"};
         QTest::newRow("empty store") << ListingRow{{}, "", -1, {}, 0, {}, ""};
         QTest::newRow("garbage")
             << ListingRow{{}, "+CMGL: x,1,,23\r\n0791\r\n+CMGL: 5\r\n+CMGL:\r\n12AB", -1, {}, 0, {}, ""};
