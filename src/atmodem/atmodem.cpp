@@ -203,12 +203,30 @@ bool AtModem::sendCommand(const QByteArray& command, QByteArray& answer, int tim
     m_port->write(makeCommand(QString::fromUtf8(command)));
 
     // "OK" is looked for first and anywhere: an answer that holds the
-    // letters anywhere counts as a success and is cut there.
-    const Wait wait = readUntil(answer, timeoutMs, [](const QByteArray& a) {
-        return a.contains("OK") || a.lastIndexOf("ERROR") >= 0 || a.lastIndexOf("NO CARRIER") >= 0;
+    // letters anywhere counts as a success and is cut there. Each cycle
+    // looks only at what arrived since the last one (and the few bytes
+    // before, where a code may have begun), so a long answer costs time in
+    // proportion to its length.
+    int checked = 0;
+    bool tooLong = false;
+    const Wait wait = readUntil(answer, timeoutMs, [&checked, &tooLong](const QByteArray& a) {
+        const int from = qMax(0, checked - int(sizeof("NO CARRIER")));
+        checked = a.size();
+        if (a.indexOf("OK", from) >= 0 || a.indexOf("ERROR", from) >= 0 || a.indexOf("NO CARRIER", from) >= 0)
+            return true;
+        tooLong = a.size() > MAX_ANSWER_BYTES;
+        return tooLong;
     });
     if (wait == Wait::PortGone)
         return false;
+    if (tooLong) {
+        m_lastError = tr("The answer ran past %1 bytes without a result code: not a modem's answer")
+                          .arg(MAX_ANSWER_BYTES);
+        qCWarning(AT_MODEM()).noquote() << QString::fromLatin1(fullCommand) << logtab << m_lastError;
+        answer.truncate(MAX_ANSWER_BYTES);
+        discardInput();
+        return false;
+    }
 
     if (wait == Wait::Matched) {
         const int ok = answer.indexOf("OK");

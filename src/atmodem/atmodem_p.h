@@ -70,6 +70,10 @@ constexpr qint64 SELF_NUMBER_SMS_MAX_AGE_S = 4 * 60 * 60;
 // Time given to the rest of an answer after "ERROR" or "NO CARRIER"
 // (extended error text, unsolicited lines).
 constexpr int TAIL_WAIT_MS = 100;
+// No answer of a real modem comes near this (the largest, a full SMS store
+// listed in PDU mode, stays under 1 MiB); past it the command ends, so that
+// a device that floods the line cannot hold the caller or its memory.
+constexpr int MAX_ANSWER_BYTES = 2 * 1024 * 1024;
 
 inline QString serialErrorName(QSerialPort::SerialPortError error)
 {

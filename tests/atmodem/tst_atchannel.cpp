@@ -96,6 +96,22 @@ private slots:
         QCOMPARE(sim.commands(), QList<QByteArray>{"+TEST"});
     }
 
+    void floodedAnswerEnds()
+    {
+        // A device that floods the line (3 MB, no result code) ends the
+        // command with a clear error instead of holding the caller.
+        SimModem sim(Make::Huawei);
+        AtModem modem;
+        QVERIFY(startAndOpen(sim, modem));
+        sim.setReply("I", Reply::raw(QByteArray(2 * 1024 * 1024 + 100000, 'x')));
+        QByteArray got;
+        QVERIFY(!modem.sendCommand("I", got, 60000));
+        QCOMPARE(got.size(), 2 * 1024 * 1024);
+        QVERIFY2(modem.lastError().contains("ran past 2097152 bytes"), qPrintable(modem.lastError()));
+        // The rest of the flood is read away by the next command, which works.
+        QVERIFY(modem.sendCommand("", got, 10000));
+    }
+
     void commandTextAndFreshState()
     {
         // One Latin-1 byte per character, a carriage return and no line feed.
