@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QJsonObject>
 #include <QJsonParseError>
 #include <QMutexLocker>
@@ -244,8 +245,13 @@ void ModemSettings::setSettingsList(const QVariantList& list)
             QJsonParseError error;
             const QJsonDocument document = QJsonDocument::fromJson(value.toUtf8(), &error);
             if (error.error != QJsonParseError::NoError) {
+                // The entry is logged to tell what is wrong with it, but not
+                // the dial-up password it may carry.
+                QString shown = value;
+                shown.replace(QRegularExpression(QStringLiteral("(\"password\"\\s*:\\s*)(\"(?:[^\"\\\\]|\\\\.)*\"?|[^,}\\s]*)")),
+                              QStringLiteral("\\1\"***\""));
                 ZML_SETTINGS_WARNING() << QStringLiteral("Invalid connection settings: key %1; value %2. error %3.")
-                                              .arg(key, value, error.errorString());
+                                              .arg(key, shown, error.errorString());
                 continue;
             }
             ModemInfo info;

@@ -190,6 +190,9 @@ private slots:
         QTest::newRow("connection not JSON") << QVariant(entry("MODEMS", "broken", "{\"portName\": "))
                                              << "Invalid connection settings: key broken; value {\"portName\": . error "
                                              << good;
+        QTest::newRow("connection not JSON, password masked")
+            << QVariant(entry("MODEMS", "broken", "{\"password\": \"s3cr\\\"et\", \"portName\": "))
+            << "Invalid connection settings: key broken; value {\"password\": \"***\", \"portName\": . error " << good;
         QTest::newRow("connection name differs")
             << QVariant(entry("MODEMS", "A", connectionJson(connection("B", "/dev/ttyUSB5"))))
             << "Connection name checking error A != B" << QStringList{"B", "good"};

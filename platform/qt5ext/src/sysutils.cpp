@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QDateTime>
 #include <QFileInfo>
 #include <QCoreApplication>
 
@@ -29,6 +30,10 @@ QString SysUtils::portLockFile(const QString& portName)
     name.replace(QLatin1Char('/'), QLatin1Char('_'));
     return QDir(lockDirectory()).filePath(QStringLiteral("LCK..") + name);
 }
+
+// A lock file this young that holds no pid yet belongs to a process that
+// is still writing it.
+static const int YOUNG_LOCK_SECONDS = 5;
 
 static bool processAlive(qint64 pid)
 {
@@ -59,9 +64,15 @@ bool SysUtils::unlockPort(const QString& portName, bool force)
             owner = *reinterpret_cast<const int*>(data.constData());
     }
     // A lock whose owner still runs (this process included: another port
-    // object may hold the device) is kept unless the caller forces it.
+    // object may hold the device) is kept unless the caller forces it. So is
+    // a young lock without a readable pid: its owner may be writing it now.
     if (!force && processAlive(owner))
         return false;
+    if (!force && owner <= 0) {
+        const QDateTime written = QFileInfo(lockPath).lastModified();
+        if (written.isValid() && written.secsTo(QDateTime::currentDateTime()) < YOUNG_LOCK_SECONDS)
+            return false;
+    }
     return QFile::remove(lockPath) || !QFileInfo::exists(lockPath);
 }
 
