@@ -4,6 +4,7 @@
 // log messages written meanwhile.
 #include "atmodem.h"
 #include "logrecorder.h"
+#include "ownlink.h"
 #include "simmodem.h"
 
 #include <QByteArray>
@@ -60,7 +61,7 @@ inline QDateTime minutesAgo(int minutes)
 inline bool startAndOpen(zelmodems::sim::SimModem& sim, AtModem& modem, qint32 baudRate = 115200)
 {
     QString error;
-    if (!sim.start(&error)) {
+    if (!sim.start(&error) || !giveOwnLink(sim)) {
         qWarning("simulator: %s", qPrintable(error));
         return false;
     }

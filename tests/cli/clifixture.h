@@ -1,6 +1,7 @@
 #pragma once
 // Runs the zelmodems program as a user does and hands back what it printed:
 // exit status, standard output, standard error, the output read as JSON.
+#include "ownlink.h"
 #include "simmodem.h"
 
 #include <QJsonDocument>
@@ -75,7 +76,7 @@ inline std::unique_ptr<zelmodems::sim::SimModem> startModem(const zelmodems::sim
 {
     auto modem = std::make_unique<zelmodems::sim::SimModem>(profile);
     QString error;
-    if (!modem->start(&error)) {
+    if (!modem->start(&error) || !zmltest::giveOwnLink(*modem)) {
         qWarning("cannot start a simulated modem: %s", qPrintable(error));
         return nullptr;
     }

@@ -11,12 +11,12 @@ QString ModemSession::holderOf(const QString& device)
 {
     // The lock is named after the device's path below /dev, its slashes as
     // underscores (LCK..ttyUSB0, LCK..pts_3).
+    // A path outside /dev keeps all of it (QSerialPort's convention:
+    // LCK.._tmp_modems_ttySIM0); its bare file name is tried too.
     QStringList names;
-    for (QString path : {device, QFileInfo(device).canonicalFilePath()}) {
+    for (QString path : {device, QFileInfo(device).canonicalFilePath(), QFileInfo(device).fileName()}) {
         if (path.startsWith(QLatin1String("/dev/")))
             path = path.mid(5);
-        else if (path.contains(QLatin1Char('/')))
-            path = QFileInfo(path).fileName();
         path.replace(QLatin1Char('/'), QLatin1Char('_'));
         if (!path.isEmpty() && !names.contains(path))
             names << path;
