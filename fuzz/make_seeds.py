@@ -183,6 +183,33 @@ def shortmessage_seeds():
     return seeds
 
 
+def modem_answers_seeds():
+    # Selector (low nibble: the query; 0x80: ERROR instead of OK) and the
+    # modem's answer, as real modems give it; then the inputs of the known
+    # faults: an rssi that would overflow, an index past int, a listing of
+    # headers without PDU lines.
+    pdu = sms_corpus_pdus(2)[0]
+    answers = [
+        (0, b"\r\n866123456789012\r\n"),
+        (1, b"\r\n250026123456789\r\n"),
+        (2, b"\r\n+CSQ: 20,99\r\n"),
+        (2, b"\r\n+CSQ: 2000000000,99\r\n"),
+        (3, b"\r\n250026123456789\r\n"),
+        (4, b'\r\n+COPS: 0,0,"MegaFon",2\r\n'),
+        (5, b'\r\n+CREG: 2,1,"1A2B","00C3D4E5"\r\n'),
+        (6, b"\r\n^SMONC: 250,02,1A2B,C3D4,12,42,-68,250,02,1A2C,0F01,10,25,-88\r\n"),
+        (7, b'\r\n+CGREG: 2,1,"1A2B","C3D4"\r\n'),
+        (8, b"\r\n^SCID: 89701020304050607080\r\n"),
+        (9, b"\r\n+CMGL: 1,1,,30\r\n" + pdu.encode() + b"\r\n"),
+        (10, b"\r\n+CMGR: 1,,30\r\n" + pdu.encode() + b"\r\n"),
+        (11, b"\r\n+CMGL: 1,1,,30\r\n" + pdu.encode() + b"\r\n"),
+        (11, b"\r\n+CMGL: 99999999999,1,,30\r\n" + pdu.encode() + b"\r\n"),
+        (11, b"+CMGL: 1,0,,20\r\n" * 6000),
+        (0x82, b"\r\n+CME ERROR: 10\r\n"),
+    ]
+    return [bytes([sel]) + answer for sel, answer in answers]
+
+
 TARGETS = {
     "fuzz_sms_decode": sms_seeds,
     "fuzz_modemname": modemname_seeds,
@@ -193,6 +220,7 @@ TARGETS = {
     "fuzz_clientstate": clientstate_seeds,
     "fuzz_pdu": pdu_seeds,
     "fuzz_shortmessage": shortmessage_seeds,
+    "fuzz_modem_answers": modem_answers_seeds,
 }
 
 
