@@ -210,6 +210,13 @@ def modem_answers_seeds():
     return [bytes([sel]) + answer for sel, answer in answers]
 
 
+def lockfile_seeds():
+    # Lock files as serial programs write them, young and old, forced or not.
+    contents = [b"", b"      1234\n", b"4194305\nminicom\nhost\n", b"\x01\x00\x40\x00", b"garbage",
+                b"1\n", b"-5\n", b"99999999999999999999\n"]
+    return [bytes([flags]) + c for c in contents for flags in (0, 1, 2)]
+
+
 TARGETS = {
     "fuzz_sms_decode": sms_seeds,
     "fuzz_modemname": modemname_seeds,
@@ -221,6 +228,7 @@ TARGETS = {
     "fuzz_pdu": pdu_seeds,
     "fuzz_shortmessage": shortmessage_seeds,
     "fuzz_modem_answers": modem_answers_seeds,
+    "fuzz_lockfile": lockfile_seeds,
 }
 
 

@@ -8,7 +8,9 @@
 #   tools/run-fuzz.sh --time 3600 fuzz_sms_decode   one target, an hour
 #   tools/run-fuzz.sh --jobs 1 ...     one target at a time
 #
-# Inputs that crash, leak, hang (10 s) or trip a check are written to
+# Inputs of up to 256 KB. Inputs that crash, leak, take more than 2 s (a
+# cost that grows faster than the input shows up as such), grow past 2 GB or
+# trip a check are written to
 # build-fuzz/artifacts/<target>/ and the script exits with status 1. Keep
 # each as fuzz/regressions/<target>/<what-it-shows> once its cause is fixed:
 # the ordinary test suite replays them (fuzz_<target>_replay).
@@ -56,8 +58,8 @@ run_one() {
     [ -d "$root/fuzz/regressions/$target" ] && seeds+=("$root/fuzz/regressions/$target")
     local log="$build/work/$target.log"
     local status=0
-    "$build/fuzz/$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
-        -max_len=4096 -print_final_stats=1 -artifact_prefix="$artifacts/" \
+    "$build/fuzz/$target" -max_total_time="$seconds" -timeout=2 -report_slow_units=1 -rss_limit_mb=2048 \
+        -max_len=262144 -print_final_stats=1 -artifact_prefix="$artifacts/" \
         "$work" "${seeds[@]}" >"$log" 2>&1 || status=$?
     local runs
     runs="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n1)"
