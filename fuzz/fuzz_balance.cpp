@@ -1,8 +1,10 @@
-// The balance parser on an operator's reply text, as decoded from a USSD
-// reply (any text at all can come back from the network).
+// The operator's reply text, as decoded from a USSD reply or an SMS (any
+// text at all can come back from the network): the balance parser, and the
+// scan for the SIM's own number.
 #include "fuzzcommon.h"
 
 #include "atmodem.h"
+#include "atmodem_p.h"
 
 #include <cmath>
 
@@ -20,5 +22,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         digits = digits || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
     if (!digits)
         ZML_FUZZ_CHECK(amount == 0.0);
+    // The own number is ten digits of the text, or nothing.
+    const QString number = atmodeminternal::nationalNumberIn(text);
+    ZML_FUZZ_CHECK(number.isEmpty() || (number.size() == 10 && text.contains(number)));
     return 0;
 }
