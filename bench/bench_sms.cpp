@@ -8,6 +8,7 @@
 #include "benchutil.h"
 
 #include "joinedmessage.h"
+#include "messagestore.h"
 #include "shortmessage.h"
 #include "sms.h"
 #include "smspart.h"
@@ -193,5 +194,18 @@ int main(int argc, char** argv)
     std::fprintf(stderr, "%d messages joined from %d parts (gammu: %d messages, %d decoding failures)\n",
                  messages, int(pdus.size()), peerResult.value(QStringLiteral("messages")).toInt(),
                  peerResult.value(QStringLiteral("failures")).toInt());
+
+    // A hostile listing: 100 KB of entry headers with no PDU line under any.
+    // The parser must stay linear, far under the second a caller can bear.
+    QByteArray headers;
+    while (headers.size() < 100 * 1024)
+        headers += "+CMGL: 1,1,,23\r\n";
+    QList<zelmodems::StoredPdu> entries;
+    const qint64 parseStart = nowNs();
+    zelmodems::MessageStore::parseListing(headers, entries);
+    const double parseMs = double(nowNs() - parseStart) / 1e6;
+    print({section, QStringLiteral("MessageStore::parseListing, 100 KB of headers without PDUs: ms"),
+           fmt(parseMs, 1), QStringLiteral("limit"), QStringLiteral("1000"), fmt(parseMs / 1000.0, 3),
+           QStringLiteral("< 1000 ms"), parseMs < 1000.0 ? QStringLiteral("met") : QStringLiteral("missed")});
     return 0;
 }

@@ -73,4 +73,20 @@ inline bool startAndOpen(zelmodems::sim::SimModem& sim, AtModem& modem, qint32 b
     return true;
 }
 
+// Sets the simulator's answer to `command`: empty leaves the profile's,
+// "ERROR" makes the command fail, anything else is the body before OK.
+inline void answerWith(zelmodems::sim::SimModem& sim, const QByteArray& command, const QByteArray& body)
+{
+    if (body == "ERROR")
+        sim.setReply(command, zelmodems::sim::Reply::error());
+    else if (!body.isEmpty())
+        sim.setAnswer(command, body);
+}
+
 } // namespace zmltest
+
+// A simulated modem of `make` as `sim`, and `modem` opened on it.
+#define ZML_OPEN(make)                                                                                                 \
+    zelmodems::sim::SimModem sim(make);                                                                                \
+    AtModem modem;                                                                                                     \
+    QVERIFY(zmltest::startAndOpen(sim, modem))

@@ -64,9 +64,7 @@ private slots:
         QFETCH(QString, second);
         zmltest::LockDir locks;
         QVERIFY(locks.install());
-        zelmodems::sim::SimModem sim(zelmodems::sim::Make::Huawei);
-        AtModem modem(nullptr);
-        QVERIFY(zmltest::startAndOpen(sim, modem));
+        ZML_OPEN(zelmodems::sim::Make::Huawei);
         QString reply;
         const bool sent = call == 0 ? modem.sendMessage(first, second)
                         : call == 1 ? modem.sendUSSD(first, reply)

@@ -35,9 +35,7 @@ private slots:
         QTest::newRow("huawei light") << ResetRow{Make::Huawei, false, nothing};
         QTest::newRow("zte full: power on") << ResetRow{Make::Zte, true, {"E0", "+CFUN=1", "", "&F0"}};
         QTest::newRow("zte light: power on") << ResetRow{Make::Zte, false, {"E0", "+CFUN=1", "", "&F0"}};
-        QTest::newRow("siemens light") << ResetRow{Make::Cinterion, false, nothing};
         QTest::newRow("simcom light") << ResetRow{Make::SimCom, false, nothing};
-        QTest::newRow("hspa light") << ResetRow{Make::HspaDataCard, false, nothing};
         QTest::newRow("default full: nothing to restart") << ResetRow{Make::Unknown, true, nothing};
         // The one row with a fixed sleep (5 s) between restart and probes.
         QTest::newRow("simcom full: restart, sleep, wait for it") << ResetRow{Make::SimCom, true, restart};
@@ -53,9 +51,7 @@ private slots:
     {
         QFETCH(ResetRow, row);
 
-        SimModem sim(row.make);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(row.make);
         const qint32 dialect = modem.dialect();
         const QString name = modem.name();
         // Factory defaults bring the echo back on the simulated modems;
@@ -81,9 +77,7 @@ private slots:
     // pause (paid once here).
     void beforeDial()
     {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Huawei);
         QVERIFY(modem.beforeDial());
         QCOMPARE(sim.commands(), (Commands{"+++", "", "&F0"}));
 

@@ -39,9 +39,7 @@ private slots:
         QFETCH(QByteArray, reply);
         QFETCH(QString, number);
 
-        SimModem sim(Make::Cinterion);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Cinterion);
         sim.setUssdReply("*110*10#", reply);
         QString got = QStringLiteral("old");
         // The result says whether a reply came, not whether it held a number.
@@ -52,9 +50,7 @@ private slots:
 
     void refusedRequests()
     {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Huawei);
         QString number = QStringLiteral("old");
         QVERIFY(!modem.requestSelfNumber(true, QString(), number));
         QVERIFY(!modem.requestSelfNumber(false, QString(), number));
@@ -72,9 +68,7 @@ private slots:
     // count, the operator's answer decides and later ones are not read.
     void bySms()
     {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Huawei);
         sim.storeSms(DeliverPdu::gsm7("+79031110000", minutesAgo(5 * 60), "Vash nomer 79110000001"), 1, 1);
         sim.storeSms(DeliverPdu::gsm7("+79031110000", minutesAgo(20), "79120000002 bonus"), 1, 2);
         sim.storeSms(DeliverPdu::gsm7("+79031110000", minutesAgo(1), "Nomer 9990000003"), 1, 3);

@@ -67,9 +67,7 @@ private slots:
     // every listed message deleted in listing order.
     void orderAndDeletion()
     {
-        SimModem sim(Make::Zte);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Zte);
         const QDateTime newer = minutesAgo(5), older = minutesAgo(50), same = minutesAgo(20), kept = minutesAgo(10);
         sim.storeSms(DeliverPdu::gsm7("+79121234567", newer, "newer"), 1, 3);
         sim.storeSms(DeliverPdu::gsm7("MegaFon", older, "older"), 0, 7);
@@ -141,9 +139,7 @@ private slots:
     {
         QFETCH(ListingRow, row);
 
-        SimModem sim(Make::Cinterion);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Cinterion);
         sim.setEcho(true);
         for (int i = 0; i < row.stored.size(); ++i)
             sim.storeSms(row.stored.at(i), 1, i + 1);
@@ -167,9 +163,7 @@ private slots:
 
     void sendText()
     {
-        SimModem sim(Make::SimCom);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::SimCom);
         sim.setEcho(true);
         const QString text = QString::fromUtf8("Баланс: 12 р.");
         // The caller's events keep being processed during the wait.
@@ -185,9 +179,7 @@ private slots:
 
     void sendWithoutPrompt()
     {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Huawei);
         sim.setReply("+CMGF=1", Reply::error());   // text mode refused: no prompt
         QVERIFY(!modem.sendMessage(QStringLiteral("+79121234567"), QStringLiteral("hi")));
         QCOMPARE(sim.commands(), (QList<QByteArray>{"E0", "+CMGF=1", "+CMGS=+79121234567"}));
@@ -200,9 +192,7 @@ private slots:
     // The modem dies while the network would confirm: no "OK", no success.
     void sendModemVanishes()
     {
-        SimModem sim(Make::Zte);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Zte);
         sim.setReply("+CMGS=+79121234567", Reply::raw("\r\n> "));   // a prompt that swallows the text
         sim.vanishAfter(1500);
         QVERIFY(!modem.sendMessage(QStringLiteral("+79121234567"), QStringLiteral("hi")));

@@ -79,19 +79,15 @@ private slots:
         QTest::addColumn<CusdRow>("row");
 
         QTest::newRow("7-bit text") << CusdRow{"\r\n\r\n+CUSD: 0,\"Balans 12,50 r.\",15\r\n", true, "Balans 12,50 r."};
-        QTest::newRow("DCS 0, no blank after the colon")
-            << CusdRow{"+CUSD:1,\"Vvedite nomer\",0", true, "Vvedite nomer"};
         QTest::newRow("status only") << CusdRow{"\r\n+CUSD: 2\r\n", true, ""};
         QTest::newRow("no coding scheme") << CusdRow{"\r\n+CUSD: 0,\"Balans\"\r\n", true, ""};
         QTest::newRow("lines of the text joined")
             << CusdRow{"\r\n+CUSD: 0,\"Balans:\r\n  12 r.\r\nSpasibo\",15\r\n", true, "Balans: 12 r. Spasibo"};
-        QTest::newRow("Latin-1 byte") << CusdRow{"+CUSD: 0,\"Caf\xe9\",15", true, "Caf\u00e9"};
         QTest::newRow("no reply") << CusdRow{"\r\nOK\r\n+CREG: 1\r\n", false, "old"};
         QTest::newRow("status is no digit") << CusdRow{"+CUSD: x,\"a\",15", false, "old"};
         // Two replies: the pattern's text group reaches from the first
         // reply's opening quote to the last one's closing quote.
         QTest::newRow("two replies") << CusdRow{"+CUSD: 0,\"A\",15\r\n+CUSD: 0,\"B\",15", true, "A\",15 +CUSD: 0,\"B"};
-        QTest::newRow("status line before a reply") << CusdRow{"+CUSD: 1\r\n+CUSD: 0,\"B\",15", true, ""};
 
         // UCS2 text is appended to what the message held.
         QTest::newRow("UCS2") << CusdRow{"+CUSD: 0,\"04110430043B\",72", true, "old\u0411\u0430\u043b"};
@@ -127,17 +123,13 @@ private slots:
 
         QTest::newRow("decimal comma") << QStringLiteral("Balans 12,50 r.") << 12.5;
         QTest::newRow("hyphen-minus right before") << QStringLiteral("Balance: -15.20") << -15.2;
-        QTest::newRow("one character between") << QStringLiteral("Balance - 7.5 rub") << -7.5;
         QTest::newRow("two blanks between") << QStringLiteral("Balance -  12") << 12.0;
         QTest::newRow("at the very start") << QStringLiteral("-5 r.") << -5.0;
-        QTest::newRow("the word minus") << QStringLiteral("minus 3,5") << -3.5;
         QTest::newRow("the word, any distance, any case") << QStringLiteral("MINUS on your account: 40 r.") << -40.0;
         QTest::newRow("minus rescues a distant sign") << QStringLiteral("minus -  12") << -12.0;
         QTest::newRow("minus after the amount") << QStringLiteral("12 r. minus") << 12.0;
         QTest::newRow("an earlier dash hides the sign") << QStringLiteral("Tarif-S: balans -30") << 30.0;
         QTest::newRow("first number counts") << QStringLiteral("Platezh -100 r. Balans 50 r.") << -100.0;
-        QTest::newRow("grouping and decimal") << QStringLiteral("1,234.56") << 0.0;
-        QTest::newRow("trailing point") << QStringLiteral("Balance 100. Thanks") << 100.0;
         QTest::newRow("grouping blank") << QStringLiteral("Balans: 1 234,56") << 1.0;
         QTest::newRow("no digits") << QStringLiteral("Zapros prinyat") << 0.0;
         QTest::newRow("Cyrillic without translation") << QString::fromUtf8("Баланс: минус 5 р.") << 5.0;
@@ -194,9 +186,6 @@ private slots:
         QTest::newRow("ZTE: text") << Make::Zte
                                    << DialectRow{"*102#", "*102#", Ussd::ucs2(cyrillicBalance),
                                                  {"E0", "+CUSD=1,\"*102#\",15"}, cyrillicBalance};
-        QTest::newRow("HSPA: text, not packed")
-            << Make::HspaDataCard
-            << DialectRow{"*105#", "*105#", Ussd::plain("x"), {"E0", "+CUSD=1,\"*105#\",15"}, "x"};
         QTest::newRow("unknown code: status only")
             << Make::Unknown << DialectRow{"*999#", "*999#", "", {"E0", "+CUSD=1,\"*999#\",15"}, ""};
     }
@@ -206,9 +195,7 @@ private slots:
         QFETCH(Make, make);
         QFETCH(DialectRow, row);
 
-        SimModem sim(make);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(make);
         if (!row.reply.isEmpty())
             sim.setUssdReply(row.heard, row.reply);
 
@@ -248,9 +235,7 @@ private slots:
     {
         QFETCH(ExchangeRow, row);
 
-        SimModem sim(row.make);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(row.make);
         sim.setUssdReplyBeforeOk(row.beforeOk);
         sim.setUssdDelay(row.delayMs);
         sim.setUssdReply("*100#", row.reply);
@@ -287,9 +272,7 @@ private slots:
 
     void refusedWithoutSending()
     {
-        SimModem sim(Make::Huawei);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Huawei);
         QString message = QStringLiteral("old");
         QVERIFY(!modem.sendUSSD(QString(), message));
         QVERIFY(sim.commands().isEmpty());
@@ -304,9 +287,7 @@ private slots:
     // port is drained for four passes, and the result is the modem's OK.
     void answerBySms()
     {
-        SimModem sim(Make::Cinterion);
-        AtModem modem;
-        QVERIFY(startAndOpen(sim, modem));
+        ZML_OPEN(Make::Cinterion);
         sim.setUssdReply("*110*10#", Ussd::plain("ignored"));
         sim.setUssdSmsReply("*110*10#", "0011000B919701214365F70000AA0441E19008");
         LogRecorder log;
