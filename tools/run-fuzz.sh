@@ -7,6 +7,7 @@
 #   tools/run-fuzz.sh                  10 minutes per target
 #   tools/run-fuzz.sh --time 3600 fuzz_sms_decode   one target, an hour
 #   tools/run-fuzz.sh --jobs 1 ...     one target at a time
+#   tools/run-fuzz.sh --runs 10000000 fuzz_lockfile   a number of executions
 #
 # Inputs of up to 256 KB. Inputs that crash, leak, take more than 2 s (a
 # cost that grows faster than the input shows up as such), grow past 2 GB or
@@ -18,6 +19,7 @@ set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${ZELMODEMS_FUZZ_DIR:-$root/build-fuzz}"
 seconds=600
+runs=-1
 jobs=2
 targets=()
 while [ $# -gt 0 ]; do
@@ -25,7 +27,8 @@ while [ $# -gt 0 ]; do
         --short) seconds=30 ;;
         --time) seconds="$2"; shift ;;
         --jobs) jobs="$2"; shift ;;
-        -h|--help) sed -n '2,15p' "$0"; exit 0 ;;
+        --runs) runs="$2"; seconds=0; shift ;;
+        -h|--help) sed -n '2,16p' "$0"; exit 0 ;;
         *) targets+=("$1") ;;
     esac
     shift
@@ -57,16 +60,16 @@ run_one() {
     local seeds=("$root/fuzz/corpus/$target")
     [ -d "$root/fuzz/regressions/$target" ] && seeds+=("$root/fuzz/regressions/$target")
     local log="$build/work/$target.log"
-    local status=0
-    "$build/fuzz/$target" -max_total_time="$seconds" -timeout=2 -report_slow_units=1 -rss_limit_mb=2048 \
+    local status=0 start=$SECONDS
+    "$build/fuzz/$target" -max_total_time="$seconds" -runs="$runs" -timeout=2 -report_slow_units=1 -rss_limit_mb=2048 \
         -max_len=262144 -print_final_stats=1 -artifact_prefix="$artifacts/" \
         "$work" "${seeds[@]}" >"$log" 2>&1 || status=$?
-    local runs
-    runs="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n1)"
+    local executed
+    executed="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n1)"
     if [ "$status" -eq 0 ]; then
-        printf '%-20s ok     %10s runs in %ss\n' "$target" "${runs:-?}" "$seconds"
+        printf '%-20s ok     %10s runs in %ss\n' "$target" "${executed:-?}" "$((SECONDS - start))"
     else
-        printf '%-20s FOUND  %10s runs; see %s and %s\n' "$target" "${runs:-?}" "$artifacts" "$log"
+        printf '%-20s FOUND  %10s runs; see %s and %s\n' "$target" "${executed:-?}" "$artifacts" "$log"
         grep -E 'ERROR|runtime error|check failed|qFatal' "$log" | head -n 5 | sed 's/^/    /'
     fi
     return "$status"

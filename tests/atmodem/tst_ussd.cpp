@@ -1,6 +1,5 @@
-// USSD requests and replies against the simulated modem, per dialect: the
-// payload on the wire, the reply wait, the decoding of "+CUSD" replies and
-// the balance amount read from them.
+// USSD against the simulated modem, per dialect: the payload on the wire,
+// the reply wait, the decoding of "+CUSD" replies and the balance in them.
 #include "simfixture.h"
 
 #include <QTimer>
@@ -29,10 +28,9 @@ struct CusdRow
     bool simcom = false;
 };
 
-// A USSD request to a simulated make: the network's reply (empty: it never
-// answers) and how it comes, the message then ("old" when none was decoded;
-// UCS2 text is appended to it), the waiting attempts (0: the request itself
-// failed) and the requests sent.
+// A request for "*100#": the network's reply (empty: none) and how it comes,
+// the message then ("old": none decoded), the waiting attempts (0: the
+// request failed) and the requests sent.
 struct ExchangeRow
 {
     Make make;
@@ -46,9 +44,8 @@ struct ExchangeRow
     int vanishMs = 0;        // the modem dies this long after the request (0: never)
 };
 
-// A USSD code, the code as the modem understood it, the network's reply
-// (empty: none, the modem says the code is not supported), the commands on
-// the wire and the decoded message.
+// A code, the code as the modem heard it, the network's reply (empty: none),
+// the commands on the wire and the decoded message.
 struct DialectRow
 {
     QByteArray code;
@@ -143,8 +140,7 @@ private slots:
         QCOMPARE(modem.parseModemBalance(text), amount);
     }
 
-    // Operators that write the sign out in Russian: the word is the one of
-    // the library's Russian catalogue.
+    // The word for the sign comes from the library's Russian catalogue.
     void balanceTranslatedMinus()
     {
         QTranslator translator;
@@ -159,8 +155,6 @@ private slots:
         QCOMPARE(modem.parseModemBalance(QString::fromUtf8("Баланс: минус 5,25 р.")), 5.25);
     }
 
-    // One request per dialect: the payload the modem gets, the commands
-    // around it, the decoded reply.
     void perDialect_data()
     {
         QTest::addColumn<Make>("make");
@@ -208,12 +202,9 @@ private slots:
             QCOMPARE(sim.characterSet(), QByteArray("GSM"));
     }
 
-    // The request and the wait for the network's reply: the buffer keeps
-    // growing over the attempts and is decoded once a reply is in; an error
-    // ends the wait, and without a reply it gives up after ten attempts.
-    // Some modems present the reply before their OK; ZTE modems refuse while
-    // the network is busy and get one retry. Noise before the reply stays
-    // harmless, and the caller's events keep being processed meanwhile.
+    // The wait for the reply: decoded once in, an error ends it, ten attempts
+    // without; ZTE modems get one retry when busy; noise before the reply is
+    // harmless and the caller's events are processed meanwhile.
     void exchange_data()
     {
         QTest::addColumn<ExchangeRow>("row");
