@@ -5,18 +5,12 @@
 #include "modeminfo.h"
 #include "modemsfinder.h"
 #include "logrecorder.h"
-#include "portcatalogue.h"
+#include "declaredports.h"
 
 #include <QList>
-#include <QMap>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QObject>
-#include <QReadLocker>
-#include <QReadWriteLock>
 #include <QString>
 #include <QStringList>
-#include <QWriteLocker>
 
 namespace findertest {
 
@@ -25,24 +19,18 @@ using zmltest::LogRecorder;
 // Ports declared by a test: bare names (ttyUSB0) mapped to simulated devices
 // with the USB identity and busy flag the test gives them. Names that are
 // not declared do not exist. Installed for the whole process while it lives.
-class SimPorts : public zelmodems::PortCatalogue
+class SimPorts : public zelmodems::DeclaredPorts
 {
 public:
-    SimPorts() { zelmodems::PortCatalogue::install(this); }
-    ~SimPorts() override { zelmodems::PortCatalogue::install(nullptr); }
-
-    void declare(const QString& name, const QString& device, const Port& port)
+    SimPorts()
     {
-        QWriteLocker lock(&m_lock);
-        m_devices.insert(name, device);
-        m_ports.insert(name, port);
-        m_names.removeAll(name);
-        m_names.append(name);
+        setDeclaredOnly(true);
+        setLink(QStringLiteral("/nonexistent/gsmmodem"));
+        install();
     }
     void declareSerial(const QString& name, const QString& device, bool busy = false)
     {
         Port port;
-        port.exists = true;
         port.busy = busy;
         declare(name, device, port);
     }
@@ -50,47 +38,13 @@ public:
                     const QString& manufacturer)
     {
         Port port;
-        port.exists = true;
-        port.hasVendorIdentifier = true;
+        port.hasVendorIdentifier = port.hasProductIdentifier = true;
         port.vendorIdentifier = vendor;
-        port.hasProductIdentifier = true;
         port.productIdentifier = product;
         port.manufacturer = manufacturer;
         declare(name, device, port);
     }
-    void setLink(const QString& path)
-    {
-        QWriteLocker lock(&m_lock);
-        m_link = path;
-    }
-
-    QStringList availablePorts() const override
-    {
-        QReadLocker lock(&m_lock);
-        return m_names;
-    }
-    Port port(const QString& portName) const override
-    {
-        QReadLocker lock(&m_lock);
-        return m_ports.value(portName);
-    }
-    QString devicePath(const QString& portName) const override
-    {
-        QReadLocker lock(&m_lock);
-        return m_devices.value(portName, portName);
-    }
-    QString dataPortLink() const override
-    {
-        QReadLocker lock(&m_lock);
-        return m_link;
-    }
-
-private:
-    mutable QReadWriteLock m_lock;
-    QStringList m_names;
-    QMap<QString, QString> m_devices;
-    QMap<QString, Port> m_ports;
-    QString m_link;
+    void setLink(const QString& path) { setDataPortLink(path); }
 };
 
 // The finder's signals, in the order they were emitted.

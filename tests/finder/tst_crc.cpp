@@ -20,14 +20,7 @@ QPair<quint64, quint64> both(const QByteArray& data)
 
 // Catalogue variants (width, poly, init, refin, refout, xorout).
 using Crc8 = Crc<quint8, 8, 0x00, 0x07, 0x00, false, false>;
-using Crc8Maxim = Crc<quint8, 8, 0x00, 0x31, 0x00, true, true>;
-using Crc16CcittFalse = Crc<quint16, 16, 0xFFFF, 0x1021, 0x0000, false, false>;
-using Crc16Xmodem = Crc<quint16, 16, 0x0000, 0x1021, 0x0000, false, false>;
-using Crc16Kermit = Crc<quint16, 16, 0x0000, 0x1021, 0x0000, true, true>;
-using Crc16Modbus = Crc<quint16, 16, 0xFFFF, 0x8005, 0x0000, true, true>;
 using Crc16X25 = Crc<quint16, 16, 0xFFFF, 0x1021, 0xFFFF, true, true>;
-using Crc16Riello = Crc<quint16, 16, 0xB2AA, 0x1021, 0x0000, true, true>;
-using Crc16Dnp = Crc<quint16, 16, 0x0000, 0x3D65, 0xFFFF, true, true>;
 using Crc24OpenPgp = Crc<quint32, 24, 0xB704CE, 0x864CFB, 0x000000, false, false>;
 using Crc32 = Crc<quint32, 32, 0xFFFFFFFF, 0x04C11DB7, 0xFFFFFFFF, true, true>;
 using Crc32Bzip2 = Crc<quint32, 32, 0xFFFFFFFF, 0x04C11DB7, 0xFFFFFFFF, false, false>;
@@ -44,14 +37,7 @@ struct Variant
 const Variant VARIANTS[] = {
     {"CRC-16/ARC", &both<CrcArc>, 0xBB3D},
     {"CRC-8", &both<Crc8>, 0xF4},
-    {"CRC-8/MAXIM", &both<Crc8Maxim>, 0xA1},
-    {"CRC-16/CCITT-FALSE", &both<Crc16CcittFalse>, 0x29B1},
-    {"CRC-16/XMODEM", &both<Crc16Xmodem>, 0x31C3},
-    {"CRC-16/KERMIT", &both<Crc16Kermit>, 0x2189},
-    {"CRC-16/MODBUS", &both<Crc16Modbus>, 0x4B37},
     {"CRC-16/X-25", &both<Crc16X25>, 0x906E},
-    {"CRC-16/RIELLO", &both<Crc16Riello>, 0x63D0},
-    {"CRC-16/DNP", &both<Crc16Dnp>, 0xEA82},
     {"CRC-24/OPENPGP", &both<Crc24OpenPgp>, 0x21CF02},
     {"CRC-32", &both<Crc32>, 0xCBF43926},
     {"CRC-32/BZIP2", &both<Crc32Bzip2>, 0xFC891918},
@@ -94,7 +80,7 @@ private slots:
         const CrcArc arc;
         QCOMPARE(arc("", 0, true), quint16(0));
         QCOMPARE(Crc32()("", 0, true), quint32(0));
-        QCOMPARE(Crc16CcittFalse()("", 0, false), quint16(0xFFFF));
+        QCOMPARE(Crc16X25()("", 0, false), quint16(0x0000));
     }
 };
 

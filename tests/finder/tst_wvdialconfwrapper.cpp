@@ -3,48 +3,17 @@
 // so that no process of the machine is touched.
 #include "wvdialconfwrapper.h"
 
+#include "logrecorder.h"
 #include "testfiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QMutex>
-#include <QMutexLocker>
+#include <memory>
 #include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
-
-struct Message
-{
-    QtMsgType type;
-    QString text;
-};
-
-QMutex messagesMutex;
-QList<Message> messages;
-QtMessageHandler previousHandler = nullptr;
-
-void recordMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
-{
-    {
-        QMutexLocker lock(&messagesMutex);
-        messages.append({type, text});
-    }
-    if (previousHandler)
-        previousHandler(type, context, text);
-}
-
-QStringList messagesOf(QtMsgType type, const QString& prefix)
-{
-    QMutexLocker lock(&messagesMutex);
-    QStringList found;
-    for (const Message& m : messages) {
-        if (m.type == type && m.text.startsWith(prefix))
-            found << m.text;
-    }
-    return found;
-}
 
 using zmltest::readFile;
 using zmltest::writeScript;
@@ -57,6 +26,17 @@ class TestWvDialConfWrapper : public QObject
 
     QTemporaryDir m_dir;
     QString m_work;
+    std::unique_ptr<zmltest::LogRecorder> m_log;
+
+    // Messages of `type` (default category) that start with `prefix`.
+    QStringList messagesOf(QtMsgType type, const QString& prefix) const
+    {
+        QStringList found;
+        for (const QString& text : m_log->find(type, QStringLiteral("default"), prefix))
+            if (text.startsWith(prefix))
+                found << text;
+        return found;
+    }
 
     QString path(const QString& name) const { return m_dir.filePath(name); }
     QString searchFile() const { return m_work + QStringLiteral("/modems/wvdial.conf.srch"); }
@@ -95,20 +75,14 @@ private slots:
         QVERIFY(writeScript(path(QStringLiteral("slowtool")),
                             "while [ ! -f \"$TOOL_OUT/go\" ]; do sleep 0.05; done\n"
                             "echo done > \"$TOOL_OUT/done\"\n"));
-
-        previousHandler = qInstallMessageHandler(recordMessage);
     }
-
-    void cleanupTestCase() { qInstallMessageHandler(previousHandler); }
 
     void init()
     {
         QFile::remove(path(QStringLiteral("sudo.log")));
-        QMutexLocker lock(&messagesMutex);
-        messages.clear();
+        m_log.reset();
+        m_log.reset(new zmltest::LogRecorder);
     }
-
-    void defaultTool() { QCOMPARE(WvDialConfWrapper::WVDIAL_COMMAND, QStringLiteral("/usr/bin/wvdialconf")); }
 
     // The dialers are stopped first, the tool gets the search file as its
     // only argument and runs in the work directory, and each output channel
