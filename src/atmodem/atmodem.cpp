@@ -1,5 +1,6 @@
 // The modem driver: opening and closing the port, and the AT command channel.
 #include "atmodem_p.h"
+#include "resultcodescanner_p.h"
 
 AtModem::AtModem(QObject* parent) : QObject(parent)
 {
@@ -203,16 +204,11 @@ bool AtModem::sendCommand(const QByteArray& command, QByteArray& answer, int tim
     m_port->write(makeCommand(QString::fromUtf8(command)));
 
     // "OK" is looked for first and anywhere: an answer that holds the
-    // letters anywhere counts as a success and is cut there. Each cycle
-    // looks only at what arrived since the last one (and the few bytes
-    // before, where a code may have begun), so a long answer costs time in
-    // proportion to its length.
-    int checked = 0;
+    // letters anywhere counts as a success and is cut there.
+    ResultCodeScanner scanner{"OK", "ERROR", "NO CARRIER"};
     bool tooLong = false;
-    const Wait wait = readUntil(answer, timeoutMs, [&checked, &tooLong](const QByteArray& a) {
-        const int from = qMax(0, checked - int(sizeof("NO CARRIER")));
-        checked = a.size();
-        if (a.indexOf("OK", from) >= 0 || a.indexOf("ERROR", from) >= 0 || a.indexOf("NO CARRIER", from) >= 0)
+    const Wait wait = readUntil(answer, timeoutMs, [&scanner, &tooLong](const QByteArray& a) {
+        if (scanner.found(a))
             return true;
         tooLong = a.size() > MAX_ANSWER_BYTES;
         return tooLong;
@@ -270,11 +266,14 @@ bool AtModem::sendRawCommand(const QByteArray& data, QByteArray& answer, int tim
     // Raw data is sent while the modem may be in data mode, so only the two
     // plain result codes are looked for, and the step never exceeds 1 ms.
     const int step = timeoutMs / 5 > 0 ? 1 : 0;
+    ResultCodeScanner scanner{"OK", "ERROR"};
     QElapsedTimer clock;
     clock.start();
     while (timeoutMs > clock.elapsed()) {
         if (!readCycle(answer, step, false))
             return false;
+        if (!scanner.found(answer))
+            continue;
         const int ok = answer.indexOf("OK");
         if (ok >= 0) {
             answer.truncate(ok);
