@@ -6,6 +6,8 @@
 #include "simfixture.h"
 #include "smssender.h"
 
+#include <functional>
+
 using zelmodems::MessageStore;
 using zelmodems::SmsSender;
 using zelmodems::StoredPdu;
@@ -71,6 +73,32 @@ private slots:
         QCOMPARE(got, expected);
         for (const StoredPdu& e : entries)
             QCOMPARE(e.isComplete(), e.index() >= 0 && !e.pdu().isEmpty() && e.problem().isEmpty());
+    }
+
+    // Equal when every field is, whether the data is shared or not.
+    void entryEquality()
+    {
+        const auto entry = [] {
+            StoredPdu e;
+            e.setIndex(1);
+            e.setStatus(StoredPdu::Unread);
+            e.setStorage(QStringLiteral("SM"));
+            e.setTpduLength(23);
+            e.setPdu(QString::fromLatin1(PDU_A));
+            return e;
+        };
+        const StoredPdu base = entry();
+        QVERIFY(entry() == base);
+        const QList<std::function<void(StoredPdu&)>> changes{
+            [](StoredPdu& e) { e.setIndex(2); }, [](StoredPdu& e) { e.setStatus(StoredPdu::Read); },
+            [](StoredPdu& e) { e.setStorage(QStringLiteral("ME")); }, [](StoredPdu& e) { e.setAlpha("a"); },
+            [](StoredPdu& e) { e.setTpduLength(24); }, [](StoredPdu& e) { e.setPdu(QStringLiteral("00")); },
+            [](StoredPdu& e) { e.setProblem(QStringLiteral("x")); }};
+        for (const auto& change : changes) {
+            StoredPdu changed = entry();
+            change(changed);
+            QVERIFY(changed != base && !(base == changed));
+        }
     }
 
     void malformedListing()
