@@ -160,8 +160,13 @@ private slots:
         QVERIFY(text.out.contains("Part 1 of 2:\nAT+CMGS=") && text.out.contains("Part 2 of 2:\nAT+CMGS="));
     }
 
-    void pduEncodeRejectsBadNumber()
+    void pduEncodeAlphabetAndRefusals()
     {
+        const clitest::Result ucs2 = run({"pdu", "encode", "+79161234567", "Hi", "--alphabet", "ucs2"});
+        QCOMPARE(ucs2.out, QStringLiteral("AT+CMGS=17\n0001000B919761214365F700080400480069\n"));
+        const clitest::Result eightBit = run({"pdu", "encode", "+79161234567", "Hi", "--alphabet", "8bit"});
+        QCOMPARE(eightBit.exitCode, 1);
+        QVERIFY2(eightBit.err.contains("sent in the GSM 7-bit or UCS2 alphabet"), eightBit.describe());
         const clitest::Result r = run({"pdu", "encode", "call me", "Hello"});
         QCOMPARE(r.exitCode, 1);
         QVERIFY2(r.err.contains("zelmodems pdu encode: cannot encode the message"), r.describe());
