@@ -39,6 +39,9 @@ private slots:
                                         << "Unknown option 'frobnicate'";
         QTest::newRow("option without value") << QStringList{"balance", "ttyS0", "--code"}
                                               << "Missing value after '--code'";
+        // Nothing to delete is a mistake, not a successful deletion of nothing.
+        QTest::newRow("sms delete without index") << QStringList{"sms", "delete", "ttyS0"}
+                                                  << "zelmodems sms delete: INDEX is missing";
         QTest::newRow("sms text missing") << QStringList{"sms", "send", "ttyS0", "+79161234567"}
                                           << "zelmodems sms send: TEXT is missing";
         QTest::newRow("own-number both ways") << QStringList{"own-number", "ttyS0", "--sms", "--ussd-reply"}

@@ -9,6 +9,14 @@ const QString VERBOSE = QStringLiteral("verbose");
 const QString BAUD = QStringLiteral("baud");
 const QString ATTEMPTS = QStringLiteral("attempts");
 
+// How the usage line shows a positional: NAME, [NAME], NAME... (one or more)
+// or [NAME...] (any number).
+QString positionalSyntax(const QString& name, bool required, bool repeated)
+{
+    const QString shown = repeated ? name + QStringLiteral("...") : name;
+    return required ? shown : QStringLiteral("[%1]").arg(shown);
+}
+
 } // namespace
 
 CommandLine::CommandLine(const QString& command, const QString& description) : m_command(command)
@@ -28,11 +36,8 @@ CommandLine::CommandLine(const QString& command, const QString& description) : m
 
 void CommandLine::addPositional(const QString& name, const QString& help, bool required, bool repeated)
 {
-    QString syntax = required ? name : QStringLiteral("[%1]").arg(name);
-    if (repeated)
-        syntax = QStringLiteral("[%1...]").arg(name);
-    m_parser.addPositionalArgument(name, help, syntax);
-    m_positionals.append({name, required && !repeated, repeated});
+    m_positionals.append({name, required, repeated});
+    m_parser.addPositionalArgument(name, help, positionalSyntax(name, required, repeated));
 }
 
 void CommandLine::addOption(const QCommandLineOption& option)
@@ -156,8 +161,7 @@ QString CommandLine::helpText() const
     const int end = text.indexOf(QLatin1Char('\n'));
     QStringList syntax;
     for (const Positional& p : m_positionals)
-        syntax << (p.repeated ? QStringLiteral("[%1...]").arg(p.name)
-                              : p.required ? p.name : QStringLiteral("[%1]").arg(p.name));
+        syntax << positionalSyntax(p.name, p.required, p.repeated);
     const QString usage = QStringLiteral("Usage: zelmodems %1 [options]%2%3")
                               .arg(m_command, syntax.isEmpty() ? QString() : QStringLiteral(" "),
                                    syntax.join(QLatin1Char(' ')));

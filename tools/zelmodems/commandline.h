@@ -19,7 +19,8 @@ public:
     CommandLine(const QString& command, const QString& description);
 
     // A positional argument. Optional ones come after the required ones;
-    // a `repeated` one takes all that remain (find's ports).
+    // a `repeated` one, last, takes all that remain: at least one when it is
+    // `required` (sms delete's indexes), any number when not (find's ports).
     void addPositional(const QString& name, const QString& help, bool required = true,
                        bool repeated = false);
     void addOption(const QCommandLineOption& option);
