@@ -146,6 +146,7 @@ private slots:
         QCOMPARE(strongest.value("lacDecimal").toInt(), 6699);
         QCOMPARE(strongest.value("lacHex").toString(), QStringLiteral("1A2B"));
         QCOMPARE(strongest.value("mcc").toInt(), 250);
+        QCOMPARE(strongest.value("mnc").toInt(), 1);
         QCOMPARE(strongest.value("dbm").toArray(), QJsonArray{-68});
 
         // SIMCOM: the packet-domain cell, without MCC and MNC.
