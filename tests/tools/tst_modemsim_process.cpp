@@ -3,6 +3,8 @@
 #include "atmodem.h"
 #include "ussdrequest.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -60,6 +62,18 @@ private slots:
                                        + command.mid(1));
         sim.terminate();
         QVERIFY(sim.waitForFinished(5000));
+        // Beside the exact bytes, the recording shows them as text for a
+        // person: printable characters, spaces included, as they are.
+        QFile file(recording);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QString received;
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            const QJsonObject event = QJsonDocument::fromJson(line).object();
+            if (event.value(QStringLiteral("dir")).toString() == QLatin1String("<"))
+                received += event.value(QStringLiteral("text")).toString();
+        }
+        QVERIFY2(received.contains(command.first() == QLatin1String("balance") ? "Balance 7.25 rub" : "OK"),
+                 qPrintable(received));
 
         QProcess replay;
         const QString replayed = startSim(replay, {QStringLiteral("--replay"), recording});
