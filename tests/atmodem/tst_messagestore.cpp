@@ -21,11 +21,12 @@ const QByteArray PDU_B = "0791973007111111040B919761214365F700006211425123048004
 // entry carries a problem.
 QString describe(const StoredPdu& e)
 {
-    return QStringLiteral("%1/%2/%3%4")
+    return QStringLiteral("%1/%2/%3%4%5")
         .arg(e.index())
         .arg(int(e.status()))
         .arg(e.pdu().isEmpty() ? QStringLiteral("!") : e.pdu().left(4))
-        .arg(e.problem().isEmpty() ? QString() : QStringLiteral("?"));
+        .arg(e.problem().isEmpty() ? QString() : QStringLiteral("?"))
+        .arg(e.alpha().isEmpty() ? QString() : QLatin1Char('/') + e.alpha());
 }
 
 } // namespace
@@ -49,7 +50,7 @@ private slots:
         QTest::newRow("two entries with echo and OK") << "AT+CMGL=4\r\r\n" + a + b + "\r\nOK\r\n"
                                                       << QStringList{"1/1/0791", "7/0/0791"};
         QTest::newRow("outgoing, alpha with a comma, lower-case hex")
-            << "+CMGL: 3,2,\"Smith, J\",23\r\n" + PDU_A.toLower() + "\r\n" << QStringList{"3/2/0791"};
+            << "+CMGL: 3,2,\"Smith, J\",23\r\n" + PDU_A.toLower() + "\r\n" << QStringList{"3/2/0791/Smith, J"};
         QTest::newRow("header without its PDU line")
             << "+CMGL: 4,1,,23\r\n" + b << QStringList{"4/1/!?", "7/0/0791"};
         QTest::newRow("PDU line not hexadecimal") << QByteArray("+CMGL: 5,1,,23\r\n07919Z\r\n")
