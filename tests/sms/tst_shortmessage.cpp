@@ -154,17 +154,17 @@ void TestShortMessage::peerReadsRealMessagesAlike()
 void TestShortMessage::headerElements_data()
 {
     QTest::addColumn<QByteArray>("header");
-    QTest::addColumn<QList<int>>("fields"); // reference, part, count, destination port, originator port
-    QTest::newRow("8-bit reference") << QByteArray::fromHex("050003CC0302") << QList<int>{ 0xCC, 2, 3, -1, -1 };
-    QTest::newRow("16-bit reference") << QByteArray::fromHex("06080412340201") << QList<int>{ 0x1234, 1, 2, -1, -1 };
-    QTest::newRow("part 0 stands alone") << QByteArray::fromHex("050003CC0300") << QList<int>{ -1, 1, 1, -1, -1 };
+    QTest::addColumn<QList<int>>("fields"); // reference, part, count, destination port, originator port, 16-bit reference
+    QTest::newRow("8-bit reference") << QByteArray::fromHex("050003CC0302") << QList<int>{ 0xCC, 2, 3, -1, -1, 0 };
+    QTest::newRow("16-bit reference") << QByteArray::fromHex("06080412340201") << QList<int>{ 0x1234, 1, 2, -1, -1, 1 };
+    QTest::newRow("part 0 stands alone") << QByteArray::fromHex("050003CC0300") << QList<int>{ -1, 1, 1, -1, -1, 0 };
     QTest::newRow("part past the count stands alone")
-        << QByteArray::fromHex("050003CC0204") << QList<int>{ -1, 1, 1, -1, -1 };
-    QTest::newRow("8-bit ports") << QByteArray::fromHex("0404020B0C") << QList<int>{ -1, 1, 1, 11, 12 };
+        << QByteArray::fromHex("050003CC0204") << QList<int>{ -1, 1, 1, -1, -1, 0 };
+    QTest::newRow("8-bit ports") << QByteArray::fromHex("0404020B0C") << QList<int>{ -1, 1, 1, 11, 12, 0 };
     QTest::newRow("16-bit ports and a reference")
-        << QByteArray::fromHex("0B05040B8423F00003050201") << QList<int>{ 5, 1, 2, 2948, 9200 };
+        << QByteArray::fromHex("0B05040B8423F00003050201") << QList<int>{ 5, 1, 2, 2948, 9200, 0 };
     QTest::newRow("ports of the wrong length are ignored")
-        << QByteArray::fromHex("0705050B8423F000") << QList<int>{ -1, 1, 1, -1, -1 };
+        << QByteArray::fromHex("0705050B8423F000") << QList<int>{ -1, 1, 1, -1, -1, 0 };
 }
 
 void TestShortMessage::headerElements()
@@ -174,7 +174,8 @@ void TestShortMessage::headerElements()
     const QByteArray pdu = septetsPdu(header, "A");
     const ShortMessage m = ShortMessage::decode(pdu);
     QVERIFY2(m.isValid(), qPrintable(m.error()));
-    QCOMPARE((QList<int>{ m.concatReference(), m.partNumber(), m.partCount(), m.destinationPort(), m.originatorPort() }),
+    QCOMPARE((QList<int>{ m.concatReference(), m.partNumber(), m.partCount(), m.destinationPort(), m.originatorPort(),
+                          int(m.isReference16Bit()) }),
              fields);
     QCOMPARE(m.text(), QStringLiteral("A"));
     // Equal PDUs read equal; a different header does not.
