@@ -187,6 +187,7 @@ private slots:
         sim.setSmsConfirmation(confirmed);
         SmsSender sender(&modem);
         sender.setConfirmTimeout(300);
+        zmltest::LogRecorder log(zmltest::LogRecorder::Echo::NoDebug);
 
         QCOMPARE(sender.send(QStringLiteral("+79161234567"), text), confirmed);
         QCOMPARE(sender.references().size(), confirmed ? parts : 0);
@@ -196,6 +197,8 @@ private slots:
         const auto sent = sim.sentMessages();
         if (!confirmed) {
             QVERIFY(!sender.lastError().isEmpty());
+            // The appliance's log says why, as the caller is told.
+            QVERIFY(!log.find(QtWarningMsg, QStringLiteral("atmodem"), sender.lastError()).isEmpty());
             QCOMPARE(sender.unconfirmed(), parts > 0);   // sent but unconfirmed, or refused unsent
             return;
         }
