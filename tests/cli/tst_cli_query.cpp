@@ -117,9 +117,12 @@ private slots:
     {
         // -85 dBm is the weakest level still rated good.
         m_cinterion->setAnswer("+CSQ", "+CSQ: 14,99");
-        const clitest::Result text = run({"signal", port("cinterion")});
+        // --verbose before the command's name too: the AT dialogue on
+        // standard error, the result alone on standard output.
+        const clitest::Result text = run({"--verbose", "signal", port("cinterion")});
         QCOMPARE(text.exitCode, 0);
         QCOMPARE(text.out, QStringLiteral("Signal:       -85 dBm (good)\n"));
+        QVERIFY2(text.err.contains("AT+CSQ"), text.describe());
 
         // Index 31 is the strongest level the modem reports.
         m_cinterion->setAnswer("+CSQ", "+CSQ: 31,0");
@@ -128,6 +131,7 @@ private slots:
         QCOMPARE(json.exitCode, 0);
         QCOMPARE(json.json().value("signal").toInt(), -51);
         QCOMPARE(json.json().value("rating").toString(), QStringLiteral("excellent"));
+        QVERIFY2(json.err.isEmpty(), json.describe());   // no dialogue unless asked
     }
 
     void cells()
