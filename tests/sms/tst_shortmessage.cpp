@@ -204,6 +204,8 @@ void TestShortMessage::nationalLanguages_data()
         << QByteArray() << QByteArray::fromHex("1B41") << QStringLiteral("A");
     QTest::newRow("escape escape is a space, a trailing escape is dropped")
         << QByteArray() << QByteArray::fromHex("411B1B421B") << QStringLiteral("A B");
+    QTest::newRow("shift element of the wrong length is ignored")
+        << QByteArray::fromHex("0424020100") << QByteArray::fromHex("1B47") << QStringLiteral("G");
     QTest::newRow("unknown language identifier falls back to the default")
         << QByteArray::fromHex("03250140") << QByteArray::fromHex("0B1B3C") << QStringLiteral("Ø[");
 }
