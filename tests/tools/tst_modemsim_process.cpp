@@ -1,6 +1,7 @@
 // modemsim started as a program, as a developer starts it by hand, and
 // driven through the library.
 #include "atmodem.h"
+#include "testfiles.h"
 #include "ussdrequest.h"
 
 #include <QJsonDocument>
@@ -64,10 +65,8 @@ private slots:
         QVERIFY(sim.waitForFinished(5000));
         // Beside the exact bytes, the recording shows them as text for a
         // person: printable characters, spaces included, as they are.
-        QFile file(recording);
-        QVERIFY(file.open(QIODevice::ReadOnly));
         QString received;
-        for (const QByteArray& line : file.readAll().split('\n')) {
+        for (const QByteArray& line : zmltest::readFile(recording).split('\n')) {
             const QJsonObject event = QJsonDocument::fromJson(line).object();
             if (event.value(QStringLiteral("dir")).toString() == QLatin1String("<"))
                 received += event.value(QStringLiteral("text")).toString();
