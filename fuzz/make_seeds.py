@@ -210,6 +210,14 @@ def modem_answers_seeds():
     return [bytes([sel]) + answer for sel, answer in answers]
 
 
+def answer_parsers_seeds():
+    # The same answers read without the line; the Siemens cells with the
+    # answers of ^MONI and ^MONP after 0xFF bytes, a ZTE ICCID (0x18).
+    siemens = (b"\r\n^SMONC: 250,02,1A2B,C3D4,12,42,-68,250,02,1A2C,0F01,10,25,-88\r\n\xff"
+               b"\r\n  42  1A2B  -68  ...\r\n\xff\r\n chann rs  dBm\r\n  25  10  -88\r\n")
+    return modem_answers_seeds() + [bytes([6]) + siemens, bytes([0x18]) + b"\r\n+CRSM: 144,0,98071020304050607080\r\n"]
+
+
 def lockfile_seeds():
     # Lock files as serial programs write them, young and old, forced or not.
     contents = [b"", b"      1234\n", b"4194305\nminicom\nhost\n", b"\x01\x00\x40\x00", b"garbage",
@@ -228,6 +236,7 @@ TARGETS = {
     "fuzz_pdu": pdu_seeds,
     "fuzz_shortmessage": shortmessage_seeds,
     "fuzz_modem_answers": modem_answers_seeds,
+    "fuzz_answer_parsers": answer_parsers_seeds,
     "fuzz_lockfile": lockfile_seeds,
 }
 

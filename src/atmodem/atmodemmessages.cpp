@@ -1,5 +1,6 @@
 // The modem driver: USSD and balance, the own number, and the SMS exchange.
 #include "atmodem_p.h"
+#include "modemanswers_p.h"
 
 // ---------------------------------------------------------------- USSD and balance
 
@@ -204,32 +205,6 @@ double AtModem::parseModemBalance(const QString& text)
 
 // ---------------------------------------------------------------- own number and SMS
 
-namespace {
-
-// Where the last line of hexadecimal digits between line ends (a PDU line)
-// begins, counting its line end in front; -1 when the text has none.
-int lastHexLine(const QString& text)
-{
-    const auto isHex = [](QChar c) {
-        const ushort u = c.unicode();
-        return (u >= '0' && u <= '9') || (u >= 'a' && u <= 'f') || (u >= 'A' && u <= 'F');
-    };
-    const auto isEnd = [](QChar c) { return c == QLatin1Char('\r') || c == QLatin1Char('\n'); };
-    for (int end = text.size() - 1; end > 0; --end) {
-        if (!isEnd(text.at(end)) || !isHex(text.at(end - 1)))
-            continue;
-        int start = end - 1;
-        while (start > 0 && isHex(text.at(start - 1)))
-            --start;
-        if (start > 0 && isEnd(text.at(start - 1)))
-            return start - 1;
-        end = start;
-    }
-    return -1;
-}
-
-} // namespace
-
 bool AtModem::takeMessages(QList<AtModem::SSms>& messages)
 {
     enableLocalEcho(false);
@@ -239,41 +214,9 @@ bool AtModem::takeMessages(QList<AtModem::SSms>& messages)
     // broken answer simply holds fewer messages.
     sendCommand(AT::Commands::LIST_SMS, answer, LIST_SMS_TIMEOUT_MS);
 
-    // "+CMGL: <index>,<stat>,[<alpha>],<length>" and the PDU on the next line.
-    QRegExp rx(QStringLiteral("\\+CMGL:\\s+(\\d+),.*[\\r\\n]+([0-9A-Fa-f]+)[\\r\\n]+"), Qt::CaseSensitive,
-               QRegExp::RegExp);
-    rx.setMinimal(true);
-    const QString text = QString::fromUtf8(answer);
-    // A search that cannot match costs the expression time in proportion to
-    // the square of the listing (it tries every header against the whole
-    // rest); it is not started when no well-formed header comes before the
-    // listing's last PDU line, which is exactly when it would fail.
-    const int lastPduLine = lastHexLine(text);
-    QRegExp header(QStringLiteral("\\+CMGL:\\s+\\d+,"), Qt::CaseSensitive, QRegExp::RegExp);
     QList<int> indexes;
     QList<SmsPart> parts;
-    int pos = 0;
-    while (true) {
-        const int next = header.indexIn(text, pos);
-        if (next < 0 || next >= lastPduLine)
-            break;
-        if ((pos = rx.indexIn(text, pos)) < 0)
-            break;
-        bool indexOk = false;
-        const int index = rx.cap(1).toInt(&indexOk);
-        if (!indexOk) {
-            // An index no store has: the entry is neither read nor deleted
-            // (it must never turn into message 0).
-            qCWarning(AT_MODEM()).noquote() << QStringLiteral("SMS index %1 refused").arg(rx.cap(1).left(20));
-            pos += rx.matchedLength() > 0 ? rx.matchedLength() : 1;
-            continue;
-        }
-        const SmsPart part = Sms::decode(rx.cap(2));
-        qCDebug(AT_MODEM()).noquote() << QStringLiteral("SMS %1: %2").arg(index).arg(part.getText());
-        indexes << index;
-        parts << part;
-        pos += rx.matchedLength() > 0 ? rx.matchedLength() : 1;
-    }
+    modemanswers::listedMessages(answer, indexes, parts);
 
     const QList<Sms> joined = Sms::join(parts);
     for (const Sms& sms : joined) {

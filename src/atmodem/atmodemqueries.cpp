@@ -1,5 +1,6 @@
 // The modem driver: identity, operator, signal, cells and the summary of a modem.
 #include "atmodem_p.h"
+#include "modemanswers_p.h"
 
 // ---------------------------------------------------------------- identity and network
 
@@ -8,13 +9,10 @@ bool AtModem::getNumberInternal(const QByteArray& command, QString& value, QStri
     value.clear();
     QByteArray answer;
     bool ok = sendCommand(command, answer, SHORT_TIMEOUT_MS);
-    QRegExp rx(pattern, Qt::CaseSensitive, QRegExp::RegExp);
-    if (rx.indexIn(QString::fromUtf8(answer), 0) >= 0) {
-        value = rx.cap(0);
-        // A failed command whose partial answer already holds the number
-        // still serves: modems append noise or errors after good data.
+    // A failed command whose partial answer already holds the number still
+    // serves: modems append noise or errors after good data.
+    if (modemanswers::findNumber(answer, pattern, value))
         ok = true;
-    }
     qCDebug(AT_MODEM()).noquote() << QString::fromLatin1(command) << logtab << value << logtab << pattern
                                   << logtab << logbinary(answer);
     return ok;
@@ -68,11 +66,8 @@ bool AtModem::getOperator(QString& name)
     answer.clear();
     if (!sendCommand(AT::Commands::COPS, answer, SHORT_TIMEOUT_MS))
         return false;
-
-    QRegExp rx(QStringLiteral("\".+\""), Qt::CaseSensitive, QRegExp::RegExp);
-    if (rx.indexIn(QString::fromUtf8(answer), 0) < 0)
+    if (!modemanswers::operatorName(answer, name))
         return false;
-    name = rx.cap(0).remove(QLatin1Char('"'));
     qCDebug(AT_MODEM()).noquote() << tr("Operator") << logtab << name;
     return true;
 }
@@ -90,15 +85,7 @@ bool AtModem::getSignalLevel(int& level)
         level = substitute;
         return false;
     }
-    const QStringList parts = pair.split(QLatin1Char(','));
-    if (parts.size() >= 2) {
-        bool ok = false;
-        const int rssi = parts.at(0).toInt(&ok, 10);
-        // 3GPP TS 27.007: index 0 is -113 dBm or less, 31 is -51 dBm or more.
-        // Indexes from 57 on give a level >= 0 (a substitute, below); they are
-        // not multiplied, so that a huge one cannot overflow.
-        level = ok && rssi <= 56 ? 2 * rssi - 113 : 0;
-    }
+    level = modemanswers::signalLevel(pair);
     // Index 99 ("not known") and anything out of range come out >= 0.
     if (level >= 0)
         level = substitute;
@@ -114,14 +101,7 @@ bool AtModem::getGsmCells(QString& lac, QString& cid)
     if (!sendCommand(AT::Commands::CREG, answer, 1000))
         return false;
 
-    // "+CREG: <n>,<stat>,<lac>,<ci>[,...]": drop n and stat.
-    QString text = QString::fromLatin1(answer).trimmed();
-    text.remove(0, text.indexOf(QLatin1Char(',')) + 1);
-    text.remove(0, text.indexOf(QLatin1Char(',')) + 1);
-    const int comma = text.indexOf(QLatin1Char(','));
-    lac = text.left(comma).remove(QLatin1Char('"')).trimmed();
-    cid = text.mid(comma + 1).remove(QLatin1Char('"')).trimmed();
-    return !lac.isEmpty() && !cid.isEmpty();
+    return modemanswers::registeredCell(answer, lac, cid);
 }
 
 bool AtModem::getSiemensCellList(QString& list)
@@ -130,51 +110,17 @@ bool AtModem::getSiemensCellList(QString& list)
     if (!sendCommand(AT::Commands::Siemens::GET_CELL_LIST, answer, 1000))
         return false;
 
-    const QStringList halves = QString::fromLatin1(answer).split(QLatin1Char(':'));
-    if (halves.size() < 2)
-        return false;
-    const QStringList fields = halves.at(1).trimmed().split(QLatin1Char(','));
-    if (fields.size() < 7)
-        return false;
-
-    // Nine fields a cell: MCC, MNC, LAC, cell, BSIC, channel, RxLev, C1, C2.
-    // A cell is known by its channel; a truncated last cell still counts
-    // when its RxLev is there.
     QMap<QString, QStringList> cells;
-    for (int g = 0; g < fields.size() && fields.size() > g + 6; g += 9) {
-        const QStringList record{fields.at(g).trimmed(), fields.at(g + 1).trimmed(),
-                                 hexToDecimal(fields.at(g + 3)), hexToDecimal(fields.at(g + 2)),
-                                 fields.at(g + 6).trimmed()};
-        cells.insert(fields.at(g + 5), record);
-    }
+    if (!modemanswers::siemensCells(answer, cells))
+        return false;
 
-    // The serving cell (^MONI) and the neighbours (^MONP) in dBm, one line a
-    // cell beginning with its channel; the level is the third column.
-    const QRegExp blanks(QStringLiteral("\\s+"));
+    // The serving cell (^MONI) and the neighbours (^MONP) in dBm.
     for (const char* command : {AT::Commands::Siemens::ACTIVE_CELL_INFO, AT::Commands::Siemens::INACTIVE_CELL_INFO}) {
         answer.clear();
-        if (!sendCommand(command, answer, SHORT_TIMEOUT_MS))
-            continue;
-        const QStringList lines = QString::fromLatin1(answer).trimmed().split(QLatin1Char('\n'));
-        for (const QString& line : lines) {
-            const QStringList tokens = line.split(blanks, Qt::SkipEmptyParts);
-            if (tokens.size() <= 2)
-                continue;
-            const QString channel = tokens.at(0).trimmed();
-            bool ok = false;
-            const int number = channel.toInt(&ok, 10);
-            if (!ok || number < 1)
-                continue;
-            auto cell = cells.find(channel);
-            if (cell != cells.end())
-                cell->append(tokens.at(2));
-        }
+        if (sendCommand(command, answer, SHORT_TIMEOUT_MS))
+            modemanswers::addSiemensLevels(answer, cells);
     }
-
-    QStringList records;
-    for (auto it = cells.cbegin(); it != cells.cend(); ++it)
-        records << it->join(QLatin1Char(','));
-    list = records.join(QLatin1Char(';'));
+    list = modemanswers::joinCells(cells);
     return true;
 }
 
@@ -187,13 +133,8 @@ bool AtModem::getSimCOMCellList(QString& list)
     if (!sendCommand(QByteArray(AT::Commands::SimCom::CGREG) + "?", answer, SHORT_TIMEOUT_MS))
         return false;
 
-    QRegExp rx(QStringLiteral("(\\d+),(\\d+),\"([\\d\\w]+)\",\"([\\d\\w]+)\""), Qt::CaseSensitive, QRegExp::RegExp);
-    if (rx.indexIn(QString::fromUtf8(answer), 0) < 0)
-        return false;
     // Only the serving cell is known: no MCC, MNC or levels.
-    list = QStringList{QString(), QString(), hexToDecimal(rx.cap(4)), hexToDecimal(rx.cap(3)), QString(), QString()}
-               .join(QLatin1Char(','));
-    return true;
+    return modemanswers::simcomCell(answer, list);
 }
 
 bool AtModem::getInfo(QVariantMap& info)

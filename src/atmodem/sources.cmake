@@ -6,6 +6,8 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atmodemdialect.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atmodemqueries.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atmodemmessages.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/modemanswers_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/modemanswers.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atdialect_p.h
