@@ -165,8 +165,9 @@ private slots:
             << QueryRow{C, "smonc", {two, "chann rs dBm\r\n93 42 -68 25001", "95 30 -80\r\n95 30 -81\r\n93 1 -70"},
                         true, "250,01,50132,6699,42,-68,-70;250,02,16,255,30,-80,-81"};
         QTest::newRow("smonc: lines of other shapes ignored")
-            << QueryRow{C, "smonc", {two, "93 -68\r\n0 42 -68\r\n-93 42 -68\r\nx93 42 -68\r\n\r\n  ", "95\t30\t-80"},
-                        true, "250,01,50132,6699,42;250,02,16,255,30,-80"};
+            << QueryRow{C, "smonc", {two + ",250,03,0001,0002,17,0,20,0,0",
+                                     "93 -68\r\n0 42 -68\r\n-93 42 -68\r\nx93 42 -68\r\n\r\n  ", "95\t30\t-80"},
+                        true, "250,03,2,1,20;250,01,50132,6699,42;250,02,16,255,30,-80"};
         QTest::newRow("smonc: same channel, the later cell")
             << QueryRow{C, "smonc", {"^SMONC: 250,01,1A2B,C3D4,32,93,42,40,40,250,99,0001,0002,17,93,30,28,28",
                                      "ERROR", "ERROR"}, true, "250,99,2,1,30"};
