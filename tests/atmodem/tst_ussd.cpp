@@ -292,6 +292,7 @@ private slots:
 
         // What the drain consumed does not disturb the next command.
         sim.sendUnsolicited("\r\n+CUSD: 0,\"late\",15\r\n");
+        sim.waitUntilQuiet();
         QString imei;
         QVERIFY(modem.getImei(imei));
         QCOMPARE(imei, QStringLiteral("351234567890123"));

@@ -107,7 +107,7 @@ private slots:
         QVERIFY(sim.storedSms().isEmpty());
 
         // Once the line is quiet again, the queries read exactly.
-        QTest::qWait(500);
+        sim.waitUntilQuiet();
         QString imei;
         QVERIFY(modem.getImei(imei));
         QCOMPARE(imei, QString::fromLatin1(IMEI));
@@ -150,6 +150,7 @@ private slots:
         // Forty milliseconds a byte: the IMEI's answer (25 bytes) needs a
         // second, twice its time-out. The command fails at the time-out with
         // what had come so far, not the whole answer.
+        sim.waitUntilQuiet();
         sim.setByteDelay(40);
         const QByteArray fullAnswer = "\r\n" + IMEI + "\r\n\r\n";
         QByteArray answer;
@@ -162,7 +163,7 @@ private slots:
         QVERIFY2(fullAnswer.startsWith(received) && received.size() < fullAnswer.size(), answer.toHex().constData());
         QCOMPARE(modem.lastError(),
                  QStringLiteral("Modem is offline pn port %1").arg(faults::deviceNode(sim.devicePath()).mid(5)));
-        QTest::qWait(1200);
+        sim.waitUntilQuiet();
 
         // The IMEI query takes a number from a failed command's partial
         // answer too (its looseness is deliberate): what it reports then is
@@ -173,7 +174,7 @@ private slots:
 
         // The late bytes, once in, go with the next command's clearing and
         // do not end its answer early.
-        QTest::qWait(1200);
+        sim.waitUntilQuiet();
         sim.setByteDelay(0);
         QVERIFY(modem.getImei(imei));
         QCOMPARE(imei, QString::fromLatin1(IMEI));

@@ -7,6 +7,7 @@
 #include <QFile>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <map>
@@ -92,6 +93,7 @@ struct SimModem::Private
     Reply listSms(const QByteArray& key);
     int storeSms(const QByteArray& pdu, int status, int index);
     void schedule(int ms, std::function<void()> task);
+    void whenQuiet(std::shared_ptr<std::atomic<bool>> quiet);
     void write(const QByteArray& bytes, int byteDelay);
     void send(const Reply& reply);
     void record(const QByteArray& command);
@@ -336,6 +338,18 @@ void SimModem::sendUnsolicited(const QByteArray& bytes, int delayMs)
     d->post([this, bytes, delayMs] { d->schedule(delayMs, [this, bytes] { d->write(bytes, 0); }); });
 }
 
+void SimModem::waitUntilQuiet()
+{
+    if (!d->thread.joinable() || std::this_thread::get_id() == d->thread.get_id())
+        return;
+    // Tasks run only between answers, so the first look comes after the
+    // answer being written.
+    auto quiet = std::make_shared<std::atomic<bool>>(false);
+    d->post([this, quiet] { d->whenQuiet(quiet); });
+    while (!*quiet && !d->stopping)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
 void SimModem::vanishAfter(int ms)
 {
     d->post([this, ms] { d->schedule(ms, [this] { d->closeDevice(); }); });
@@ -538,6 +552,16 @@ void SimModem::Private::run()
     }
     for (auto& task : pending)
         task();
+}
+
+void SimModem::Private::whenQuiet(std::shared_ptr<std::atomic<bool>> quiet)
+{
+    // While something is scheduled, look again after the last of it.
+    if (timers.empty()) {
+        *quiet = true;
+        return;
+    }
+    timers.emplace(timers.rbegin()->first, [this, quiet] { whenQuiet(quiet); });
 }
 
 void SimModem::Private::schedule(int ms, std::function<void()> task)

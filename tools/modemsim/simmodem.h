@@ -158,6 +158,12 @@ public:
     // Writes bytes the modem sends on its own (RING, +CMTI: ...), after
     // `delayMs`.
     void sendUnsolicited(const QByteArray& bytes, int delayMs = 0);
+    // Returns once the modem has written all it has begun or scheduled: the
+    // rest of a slow answer, unsolicited results and follow-ups however
+    // late (a scheduled disappearance included). A test that needs a quiet
+    // line waits for this rather than for a time that a busy machine
+    // may overrun.
+    void waitUntilQuiet();
     // The device disappears `ms` from now (a modem dying in mid-exchange).
     void vanishAfter(int ms);
 
