@@ -14,10 +14,12 @@ ZML_FUZZ_INIT
 
 namespace {
 
+// QRegExp's \d is any Unicode decimal digit (Arabic-Indic ones included),
+// not only 0-9: what the number queries return.
 bool allDigits(const QString& text)
 {
     for (const QChar c : text)
-        if (c < QLatin1Char('0') || c > QLatin1Char('9'))
+        if (!c.isDigit())
             return false;
     return true;
 }
