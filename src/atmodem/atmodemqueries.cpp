@@ -6,7 +6,6 @@
 
 bool AtModem::getNumberInternal(const QByteArray& command, QString& value, QString pattern)
 {
-    value.clear();
     QByteArray answer;
     bool ok = sendCommand(command, answer, SHORT_TIMEOUT_MS);
     // A failed command whose partial answer already holds the number still
