@@ -71,8 +71,8 @@ void fromMap(zmlfuzz::Input& in)
 
 void fromFile(const uint8_t* data, size_t size)
 {
-    static QTemporaryDir* dir = new QTemporaryDir;
-    const QString path = QDir(dir->path()).filePath(QStringLiteral("mnctable.json"));
+    static QTemporaryDir dir;
+    const QString path = QDir(dir.path()).filePath(QStringLiteral("mnctable.json"));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         abort();
