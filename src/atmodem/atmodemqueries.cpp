@@ -78,7 +78,6 @@ bool AtModem::getSignalLevel(int& level)
     qsrand(uint(QDateTime::currentSecsSinceEpoch()));
     const int substitute = -90 - (qrand() % 20);
 
-    level = 0;
     QString pair;
     if (!getNumberInternal(AT::Commands::CSQ, pair, QStringLiteral("\\d+\\s*\\,\\s*\\d+"))) {
         level = substitute;
