@@ -43,17 +43,24 @@ def lines_run(build):
                 if rel.startswith(CODE_DIRS):
                     found.update("%s:%d" % (rel, l["line_number"]) for l in f["lines"] if l["count"] > 0)
         return found
-    files = glob.glob(os.path.join(build, "**", "*.gcda"), recursive=True)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count() or 1) as pool:
-        found = set().union(set(), *pool.map(one, files))
-    for f in files:
-        os.remove(f)
+        found = set().union(*pool.map(one, counts(build)))
+    clear_counts(build)
     return found
+
+
+def counts(build):
+    return glob.glob(os.path.join(build, "**", "*.gcda"), recursive=True)
+
+
+def clear_counts(build):
+    for f in counts(build):
+        os.remove(f)
 
 
 def run_tests(build, only):
     tests = json.loads(subprocess.check_output(["ctest", "--test-dir", build, "--show-only=json-v1"]))["tests"]
-    lines_run(build)   # clears what the build left
+    clear_counts(build)   # what earlier runs left
     result = {}
     for test in tests:
         name, command = test["name"], test["command"]
