@@ -77,82 +77,6 @@ private slots:
         QCOMPARE(modem.name(), name);
     }
 
-    // An unrecognised or empty answer leaves the dialect of an earlier one.
-    void unrecognisedKeepsDialect()
-    {
-        AtModem modem;
-        modem.setModemName("ZTE");
-        modem.setModemName("  Generic\tmodem \r\n");
-        QCOMPARE(modem.dialect(), qint32(AtModem::ZTE));
-        QCOMPARE(modem.name(), QStringLiteral("Generic_modem"));
-        modem.setModemName(QByteArray());
-        QCOMPARE(modem.dialect(), qint32(AtModem::ZTE));
-        QCOMPARE(modem.name(), QString());
-        // Values outside the dialects read as the default one.
-        QCOMPARE(AT::dialectText(6), QStringLiteral("DEFAULT_AT_GSM"));
-        QCOMPARE(AT::dialectText(-1), QStringLiteral("DEFAULT_AT_GSM"));
-    }
-
-    // SIMCOM modems print a long configuration and get 5 s for it instead
-    // of 1.5 s. A late answer shows which time-out applied: in time it
-    // leaves no error, too late it leaves the time-out text (and the open
-    // still succeeds).
-    void configurationTimeout_data()
-    {
-        QTest::addColumn<Make>("make");
-        QTest::addColumn<bool>("inTime");
-        QTest::newRow("huawei: 1500 ms") << Make::Huawei << false;
-        QTest::newRow("simcom: 5000 ms") << Make::SimCom << true;
-    }
-
-    void configurationTimeout()
-    {
-        QFETCH(Make, make);
-        QFETCH(bool, inTime);
-        SimModem sim(make);
-        QVERIFY(sim.start());
-        Reply late = Reply::ok("ACTIVE PROFILE:");
-        late.delayMs = 1700;
-        sim.setReply("&V", late);
-        zmltest::LogRecorder log;
-        AtModem modem;
-        QVERIFY(modem.open(sim.devicePath(), 115200, 1));
-        const QString timedOut = QStringLiteral("Modem is offline pn port %1").arg(portNameOf(sim.devicePath()));
-        QCOMPARE(modem.lastError(), inTime ? QString() : timedOut);
-        QCOMPARE(log.find(QStringLiteral("atmodem"), QStringLiteral("Modem configuration: ")).size(), inTime ? 1 : 0);
-    }
-
-    // The port test opens the port once and probes it; it does not identify
-    // the modem, so what an earlier identification learnt stays.
-    void portTest()
-    {
-        SimModem sim(Make::SimCom);
-        QVERIFY(sim.start());
-        AtModem modem;
-        modem.setModemName(Profile::forMake(Make::Huawei).ati);
-        QVERIFY(modem.test(sim.devicePath(), 9600));
-        QCOMPARE(modem.baudrate(), 9600);
-        QCOMPARE(sim.lineSpeed(), 9600);
-        QCOMPARE(sim.commands(), QList<QByteArray>{""});
-        QCOMPARE(modem.name(), QStringLiteral("huawei_E3372"));
-        QCOMPARE(modem.dialect(), qint32(AtModem::HUAWEI));
-        QCOMPARE(modem.lastError(), QString());
-
-        // The port stays open for the caller's commands.
-        QByteArray answer;
-        QVERIFY(modem.sendCommand(AT::Commands::CSQ, answer, 500));
-        QVERIFY(answer.contains("+CSQ: 20,99"));
-
-        // A second test on a port that is not there: the first is closed,
-        // the failure named.
-        QTemporaryDir dir;
-        QVERIFY(!modem.test(dir.filePath(QStringLiteral("ttyNONE1")), 9600));
-        QVERIFY2(modem.lastError().startsWith(QLatin1String("Port opening error: ")), qPrintable(modem.lastError()));
-        QCOMPARE(modem.baudrate(), 0);
-        QCOMPARE(modem.name(), QStringLiteral("huawei_E3372"));
-        QVERIFY(!modem.sendCommand(AT::Commands::CSQ, answer, 500));
-    }
-
     void toModemOnly_data()
     {
         QTest::addColumn<Make>("make");
@@ -177,14 +101,6 @@ private slots:
         QCOMPARE(sim.commands(), commands);
     }
 
-    void logCategory()
-    {
-        QCOMPARE(QLatin1String(AT_MODEM().categoryName()), QLatin1String("atmodem"));
-        QLoggingCategory::setFilterRules(QStringLiteral("atmodem.debug=false"));
-        QVERIFY(!AT_MODEM().isDebugEnabled());
-        AtModem modem;
-        QVERIFY(AT_MODEM().isDebugEnabled());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestAtDialect)

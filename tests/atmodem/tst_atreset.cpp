@@ -73,20 +73,6 @@ private slots:
         QVERIFY(log.find(QStringLiteral("atmodem"), QStringLiteral("RESET MODEM")).isEmpty());
     }
 
-    // Escape to command state, check, factory defaults; then a fixed 2 s
-    // pause (paid once here).
-    void beforeDial()
-    {
-        ZML_OPEN(Make::Huawei);
-        QVERIFY(modem.beforeDial());
-        QCOMPARE(sim.commands(), (Commands{"+++", "", "&F0"}));
-
-        // A modem that does not answer the probe gets no "&F0".
-        sim.clearLog();
-        sim.setFault("", Fault::Error);
-        QVERIFY(!modem.beforeDial());
-        QCOMPARE(sim.commands(), (Commands{"+++", ""}));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestAtReset)

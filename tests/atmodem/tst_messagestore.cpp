@@ -120,28 +120,6 @@ private slots:
         QVERIFY(error.contains(QLatin1String("refused")));
     }
 
-    void listReadsWithoutDeleting()
-    {
-        ZML_OPEN(zelmodems::sim::Make::Huawei);
-        sim.storeSms(PDU_A, 0, 1);
-        sim.storeSms(PDU_B, 1, 4);
-        MessageStore store(&modem);
-
-        QList<StoredPdu> first, second;
-        QVERIFY2(store.list(first), qPrintable(store.lastError()));
-        QVERIFY2(store.list(second), qPrintable(store.lastError()));
-        QCOMPARE(first.size(), 2);
-        QCOMPARE(first.at(0).status(), StoredPdu::Unread);
-        QCOMPARE(second.at(0).status(), StoredPdu::Read);   // the modem marks listed messages read
-        for (int i = 0; i < 2; ++i) {
-            QCOMPARE(second.at(i).index(), first.at(i).index());
-            QCOMPARE(second.at(i).pdu(), first.at(i).pdu());
-        }
-        QCOMPARE(sim.storedSms().size(), 2);
-        for (const QByteArray& command : sim.commands())
-            QVERIFY2(!command.startsWith("+CMGD"), command.constData());
-    }
-
     void removeReportsEachResult()
     {
         ZML_OPEN(zelmodems::sim::Make::Huawei);

@@ -62,29 +62,6 @@ private:
 private slots:
     void initTestCase() { QVERIFY(m_lockDir.install()); }
 
-    // Newest first in the store; oldest first in the result, equal times in
-    // reading order, and what the caller's list held sorted in with them;
-    // every listed message deleted in listing order.
-    void orderAndDeletion()
-    {
-        ZML_OPEN(Make::Zte);
-        const QDateTime newer = minutesAgo(5), older = minutesAgo(50), same = minutesAgo(20), kept = minutesAgo(10);
-        sim.storeSms(DeliverPdu::gsm7("+79121234567", newer, "newer"), 1, 3);
-        sim.storeSms(DeliverPdu::gsm7("MegaFon", older, "older"), 0, 7);
-        sim.storeSms(DeliverPdu::ucs2("+79031112233", same, QString::fromUtf8("равные 1")), 1, 8);
-        sim.storeSms(DeliverPdu::gsm7("+79031112244", same, "same 2"), 1, 9);
-
-        QList<AtModem::SSms> messages{{QStringLiteral("earlier call"), kept, QStringLiteral("kept")}};
-        QVERIFY(modem.takeMessages(messages));
-        QCOMPARE(lines(messages), (QStringList{line("MegaFon", older, "older"),
-                                               line("+79031112233", same, QString::fromUtf8("равные 1")),
-                                               line("+79031112244", same, "same 2"),
-                                               line("earlier call", kept, "kept"),
-                                               line("+79121234567", newer, "newer")}));
-        QCOMPARE(deletions(sim), (QList<QByteArray>{"+CMGD=3", "+CMGD=7", "+CMGD=8", "+CMGD=9"}));
-        QVERIFY(sim.storedSms().isEmpty());
-    }
-
     // Listings as they come: the messages read, joined and sorted, the
     // indexes deleted, those left in the store and the warning logged.
     void listings_data()

@@ -113,48 +113,6 @@ private slots:
         QCOMPARE(got, row.message);
     }
 
-    void balance_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<double>("amount");
-
-        QTest::newRow("decimal comma") << QStringLiteral("Balans 12,50 r.") << 12.5;
-        QTest::newRow("hyphen-minus right before") << QStringLiteral("Balance: -15.20") << -15.2;
-        QTest::newRow("two blanks between") << QStringLiteral("Balance -  12") << 12.0;
-        QTest::newRow("at the very start") << QStringLiteral("-5 r.") << -5.0;
-        QTest::newRow("the word, any distance, any case") << QStringLiteral("MINUS on your account: 40 r.") << -40.0;
-        QTest::newRow("minus rescues a distant sign") << QStringLiteral("minus -  12") << -12.0;
-        QTest::newRow("minus after the amount") << QStringLiteral("12 r. minus") << 12.0;
-        QTest::newRow("an earlier dash hides the sign") << QStringLiteral("Tarif-S: balans -30") << 30.0;
-        QTest::newRow("first number counts") << QStringLiteral("Platezh -100 r. Balans 50 r.") << -100.0;
-        QTest::newRow("grouping blank") << QStringLiteral("Balans: 1 234,56") << 1.0;
-        QTest::newRow("no digits") << QStringLiteral("Zapros prinyat") << 0.0;
-        QTest::newRow("Cyrillic without translation") << QString::fromUtf8("Баланс: минус 5 р.") << 5.0;
-    }
-
-    void balance()
-    {
-        QFETCH(QString, text);
-        QFETCH(double, amount);
-        AtModem modem;
-        QCOMPARE(modem.parseModemBalance(text), amount);
-    }
-
-    // The word for the sign comes from the library's Russian catalogue.
-    void balanceTranslatedMinus()
-    {
-        QTranslator translator;
-        const QString dir = QStringLiteral(ZML_BUILD_TRANSLATIONS_DIR);
-        QVERIFY2(translator.load(QStringLiteral("zelmodemslib_ru"), dir), qPrintable(dir));
-        QVERIFY(QCoreApplication::installTranslator(&translator));
-        AtModem modem;
-        QCOMPARE(modem.parseModemBalance(QString::fromUtf8("Баланс: минус 5,25 р.")), -5.25);
-        QCOMPARE(modem.parseModemBalance(QString::fromUtf8("Баланс 5 р., минус")), 5.0);
-        QCOMPARE(modem.parseModemBalance(QStringLiteral("minus 3")), -3.0);
-        QCoreApplication::removeTranslator(&translator);
-        QCOMPARE(modem.parseModemBalance(QString::fromUtf8("Баланс: минус 5,25 р.")), 5.25);
-    }
-
     void perDialect_data()
     {
         QTest::addColumn<Make>("make");
@@ -274,29 +232,6 @@ private slots:
         QCOMPARE(message, QStringLiteral("old"));
     }
 
-    // The request whose answer comes as an SMS: no reply is presented, the
-    // port is drained for four passes, and the result is the modem's OK.
-    void answerBySms()
-    {
-        ZML_OPEN(Make::Cinterion);
-        sim.setUssdReply("*110*10#", Ussd::plain("ignored"));
-        sim.setUssdSmsReply("*110*10#", "0011000B919701214365F70000AA0441E19008");
-        LogRecorder log;
-        QString message = QStringLiteral("old");
-        QVERIFY(modem.sendUSSD2(QStringLiteral("*110*10#"), message));
-        QCOMPARE(message, QStringLiteral("old"));
-        QCOMPARE(sim.commands(), (QList<QByteArray>{"E0", "+CUSD=0,\"*110*10#\",15"}));
-        QCOMPARE(sim.ussdRequests(), QList<QByteArray>{"*110*10#"});
-        QCOMPARE(sim.storedSms().size(), 1);
-        QCOMPARE(countLogs(log, QStringLiteral("Waiting for USSD reply, attempt")), 4);
-
-        // What the drain consumed does not disturb the next command.
-        sim.sendUnsolicited("\r\n+CUSD: 0,\"late\",15\r\n");
-        sim.waitUntilQuiet();
-        QString imei;
-        QVERIFY(modem.getImei(imei));
-        QCOMPARE(imei, QStringLiteral("351234567890123"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestUssd)

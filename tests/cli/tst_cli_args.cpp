@@ -126,43 +126,6 @@ private slots:
         }
     }
 
-    void pduEncode()
-    {
-        // "Hello" to +79161234567: SMS-SUBMIT, reference 0, international
-        // number, default alphabet, no validity period.
-        const QString hex = QStringLiteral("0001000B919761214365F7000005C8329BFD06");
-        const clitest::Result text = run({"pdu", "encode", "+79161234567", "Hello"});
-        QCOMPARE(text.exitCode, 0);
-        QCOMPARE(text.out, QStringLiteral("AT+CMGS=18\n%1\n").arg(hex));
-
-        bool ok = false;
-        const clitest::Result json = run({"pdu", "encode", "+79161234567", "Hello", "--json"});
-        const QJsonArray parts = json.json(&ok).value("parts").toArray();
-        QVERIFY2(ok, json.describe());
-        QCOMPARE(parts.size(), 1);
-        QCOMPARE(parts.at(0).toObject().value("pdu").toString(), hex);
-        QCOMPARE(parts.at(0).toObject().value("tpduLength").toInt(), 18);
-        QCOMPARE(parts.at(0).toObject().value("count").toInt(), 1);
-    }
-
-    void pduEncodeLongTextInParts()
-    {
-        const clitest::Result r = run({"pdu", "encode", "+79161234567", QString(200, QLatin1Char('x')), "--reference",
-                                       "7", "--json"});
-        QCOMPARE(r.exitCode, 0);
-        const QJsonArray parts = r.json().value("parts").toArray();
-        QCOMPARE(parts.size(), 2);
-        for (int i = 0; i < 2; ++i) {
-            const QJsonObject part = parts.at(i).toObject();
-            QCOMPARE(part.value("part").toInt(), i + 1);
-            QCOMPARE(part.value("count").toInt(), 2);
-            // Each part carries the concatenation header with reference 7.
-            QVERIFY(part.value("pdu").toString().contains(QStringLiteral("05000307020%1").arg(i + 1)));
-        }
-        const clitest::Result text = run({"pdu", "encode", "+79161234567", QString(200, QLatin1Char('x'))});
-        QVERIFY(text.out.contains("Part 1 of 2:\nAT+CMGS=") && text.out.contains("Part 2 of 2:\nAT+CMGS="));
-    }
-
     void pduEncodeAlphabetAndRefusals()
     {
         const clitest::Result ucs2 = run({"pdu", "encode", "+79161234567", "Hi", "--alphabet", "ucs2"});

@@ -27,18 +27,6 @@ class TestCliExchange : public QObject
     Q_OBJECT
 
 private slots:
-    void balanceWithTheOperatorsCode()
-    {
-        // Huawei takes the USSD string packed; MegaFon's code is *100#.
-        auto modem = clitest::startModem(Make::Huawei);
-        QVERIFY(modem);
-        modem->setUssdReply("*100#", Ussd::plain("Balans 12,50 r."));
-        const clitest::Result text = run({"balance", modem->devicePath()});
-        QVERIFY2(text.exitCode == 0, text.describe());
-        QCOMPARE(text.out, QStringLiteral("Balance:      12.50\nReply:        Balans 12,50 r.\n"));
-        QCOMPARE(modem->ussdRequests(), QList<QByteArray>{"*100#"});
-    }
-
     // Nothing is reported as a fact that the modem or the network did not say.
     void truthfulAnswers_data()
     {
@@ -86,25 +74,6 @@ private slots:
         QVERIFY2((exitCode == 0 || args.contains("--json") ? r.out : r.err).contains(expected), r.describe());
     }
 
-    void russianLinesDoNotMixLanguages()
-    {
-        // Under a Russian locale the tool's words and the library's words
-        // around them are both Russian.
-        auto modem = clitest::startModem(Make::Cinterion);
-        QVERIFY(modem);
-        modem->setUssdReply("*100#", Ussd::statusOnly(4));
-        QProcessEnvironment env = clitest::environment();
-        env.insert(QStringLiteral("LANG"), QStringLiteral("ru_RU.UTF-8"));
-        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("ru_RU.UTF-8"));
-        env.insert(QStringLiteral("QT5EXT_TRANSLATIONS_DIR"), QStringLiteral(ZML_TRANSLATIONS_DIR));
-        const clitest::Result r = run({"balance", modem->devicePath(), "--code", "*100#"}, 30000, env);
-        QCOMPARE(r.exitCode, 1);
-        QVERIFY2(r.err.contains(QStringLiteral("*100#: Сеть ответила с состоянием 4: операция не поддерживается")),
-                 r.describe());
-        const clitest::Result signal = run({"signal", modem->devicePath()}, 30000, env);
-        QVERIFY2(signal.out.startsWith(QStringLiteral("Сигнал:       -73 дБм (хороший)")), signal.describe());
-    }
-
     void infoOnAModemThatGoesSilent()
     {
         auto modem = clitest::startModem(Make::Cinterion);
@@ -121,38 +90,6 @@ private slots:
         QVERIFY2(r.err.contains("stopped answering"), r.describe());
     }
 
-    void interruptReleasesThePort_data()
-    {
-        QTest::addColumn<int>("signal");
-        QTest::newRow("Ctrl-C") << int(SIGINT);
-        QTest::newRow("SIGTERM") << int(SIGTERM);
-    }
-
-    void interruptReleasesThePort()
-    {
-        // The signal comes while the tool waits on a modem that no longer
-        // answers the signal query: it ends at once and leaves no lock behind.
-        QFETCH(int, signal);
-        auto modem = clitest::startModem(Make::Cinterion);
-        QVERIFY(modem);
-        modem->setFault("+CSQ", zelmodems::sim::Fault::Silence);
-        QProcess tool;
-        tool.setProcessEnvironment(clitest::environment());
-        tool.start(QStringLiteral(ZELMODEMS_PATH), {"signal", modem->devicePath()});
-        QVERIFY(tool.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(!modem->log().isEmpty() && modem->log().last().command == "+CSQ", 20000);
-        QElapsedTimer clock;
-        clock.start();
-        ::kill(pid_t(tool.processId()), signal);
-        QVERIFY(tool.waitForFinished(5000));
-        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
-        QCOMPARE(tool.exitCode(), 128 + signal);
-        // The port's lock file went with it.
-        QString name = modem->devicePath();
-        name = name.mid(name.startsWith("/dev/") ? 5 : 0).replace(QLatin1Char('/'), QLatin1Char('_'));
-        QVERIFY(!QFile::exists(QStringLiteral("/var/lock/LCK..") + name));
-    }
-
     void busyPortNamesItsHolder()
     {
         auto modem = clitest::startModem(Make::Cinterion);
@@ -164,54 +101,6 @@ private slots:
         QVERIFY2(r.err.contains(QStringLiteral("is in use by another program (pid %1")
                                     .arg(QCoreApplication::applicationPid())),
                  r.describe());
-    }
-
-    void balanceJsonWithGivenCode()
-    {
-        auto modem = clitest::startModem(Make::SimCom);
-        QVERIFY(modem);
-        modem->setUssdReply("*111#", Ussd::ucs2(QStringLiteral("Баланс -15.20 р.")));
-        const clitest::Result r = run({"balance", modem->devicePath(), "--code", "*111#", "--json"});
-        QVERIFY2(r.exitCode == 0, r.describe());
-        const QJsonObject json = r.json();
-        QCOMPARE(json.value("code").toString(), QStringLiteral("*111#"));
-        QCOMPARE(json.value("amount").toDouble(), -15.2);
-        QCOMPARE(json.value("text").toString(), QStringLiteral("Баланс -15.20 р."));
-        QCOMPARE(modem->ussdRequests(), QList<QByteArray>{"*111#"});
-    }
-
-    void balanceWithoutCode()
-    {
-        Profile profile = Profile::forMake(Make::Cinterion);
-        profile.imsi = "001011234567890";   // not in the operator table
-        auto modem = clitest::startModem(profile);
-        QVERIFY(modem);
-        const clitest::Result r = run({"balance", modem->devicePath()});
-        QCOMPARE(r.exitCode, 1);
-        QVERIFY2(r.err.contains("zelmodems balance: the operator table has no balance code for 001/01; "
-                                "give one with --code"),
-                 r.describe());
-        QVERIFY(modem->ussdRequests().isEmpty());
-    }
-
-    void ussd()
-    {
-        auto modem = clitest::startModem(Make::Cinterion);
-        QVERIFY(modem);
-        modem->setUssdReply("*105*1#", Ussd::plain("Tarif: Vse vklyucheno"));
-        const clitest::Result text = run({"ussd", modem->devicePath(), "*105*1#"});
-        QVERIFY2(text.exitCode == 0, text.describe());
-        QCOMPARE(text.out, QStringLiteral("Reply:        Tarif: Vse vklyucheno\n"));
-        const clitest::Result json = run({"ussd", "--json", modem->devicePath(), "*105*1#"});
-        QCOMPARE(json.json().value("reply").toString(), QStringLiteral("Tarif: Vse vklyucheno"));
-        QCOMPARE(json.json().value("code").toString(), QStringLiteral("*105*1#"));
-
-        // The modem refuses the request.
-        modem->setFault("+CUSD=1,\"*106#\",15", Fault::Error);
-        const clitest::Result refused = run({"ussd", modem->devicePath(), "*106#"});
-        QCOMPARE(refused.exitCode, 1);
-        QVERIFY2(refused.err.startsWith("zelmodems ussd: *106#: "), refused.describe());
-        QVERIFY(refused.out.isEmpty());
     }
 
     void ownNumberFromTheUssdReply()
@@ -264,33 +153,6 @@ private slots:
         modem->storeSms(DeliverPdu::ucs2("+79990000000", t, "first half", 9, 1, 2));
         modem->storeSms(zelmodems::encodeSmsSubmit("+79161234567", "Outgoing").at(0).toHex().toLatin1(), 3);
         return modem;
-    }
-
-    void smsListKeepsEverything()
-    {
-        auto modem = storeModem();
-        QVERIFY(modem);
-        const clitest::Result first = run({"sms", "list", "--json", modem->devicePath()});
-        const clitest::Result second = run({"sms", "list", "--json", modem->devicePath()});
-        QVERIFY2(first.exitCode == 0, first.describe());
-        QCOMPARE(second.json().value("messages"), first.json().value("messages"));
-        QStringList seen;
-        for (const QJsonValue& v : first.json().value("messages").toArray()) {
-            const QJsonObject m = v.toObject();
-            seen << QStringLiteral("%1|%2|%3").arg(m.value(m.value("outgoing").toBool() ? "recipient" : "sender").toString(),
-                                                  m.value("text").toString(),
-                                                  m.value("complete").toBool() ? "whole" : "incomplete");
-        }
-        QCOMPARE(seen, (QStringList{"+79161234567|Ключ под ковриком|whole", "+79031112233|Back at 6|whole",
-                                    "+79990000000|first half|incomplete", "+79161234567|Outgoing|whole"}));
-        QCOMPARE(modem->storedSms().size(), 6);
-        for (const QByteArray& command : modem->commands())
-            QVERIFY2(!command.startsWith("+CMGD"), command.constData());
-
-        // A sender's control characters never reach the terminal.
-        modem->storeSms(DeliverPdu::ucs2("+79990000001", QDateTime::currentDateTimeUtc(), "\x1b[2Jgone"));
-        const clitest::Result text = run({"sms", "list", modem->devicePath()});
-        QVERIFY2(text.out.contains("  \\x1b[2Jgone") && !text.out.contains('\x1b'), text.describe());
     }
 
     void smsTakeDeletesOnlyWhatItShowed()

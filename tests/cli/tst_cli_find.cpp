@@ -14,54 +14,6 @@ class TestCliFind : public QObject
     Q_OBJECT
 
 private slots:
-    void findsModemsOnDevicePaths()
-    {
-        auto huawei = clitest::startModem(Make::Huawei);
-        auto cinterion = clitest::startModem(Make::Cinterion);
-        QVERIFY(huawei && cinterion);
-        const QString missing = QStringLiteral("/nonexistent/ttyUSB9");
-        const QStringList ports{huawei->devicePath(), cinterion->devicePath(), missing};
-
-        bool ok = false;
-        const clitest::Result json = run(QStringList{"find", "--json"} + ports + QStringList{huawei->devicePath()});
-        const QJsonObject result = json.json(&ok);
-        QVERIFY2(json.exitCode == 0 && ok, json.describe());
-        // Each port once.
-        QCOMPARE(result.value("ports").toArray().size(), 3);
-        QMap<QString, QJsonObject> found;
-        for (const QJsonValue& modem : result.value("modems").toArray())
-            found.insert(modem.toObject().value("portName").toString(), modem.toObject());
-        QStringList expected{cinterion->devicePath(), huawei->devicePath()};
-        expected.sort();
-        QCOMPARE(found.keys(), expected);
-
-        const QJsonObject h = found.value(huawei->devicePath());
-        QVERIFY(h.value("connectionName").toString().startsWith("huawei_E3372_"));
-        QCOMPARE(h.value("imei").toString(), QStringLiteral("866123456789012"));
-        // A plain serial port is reported at 115200 at most.
-        QCOMPARE(h.value("baudrate").toInt(), 115200);
-        QCOMPARE(h.value("userName").toString(), QStringLiteral("gdata"));
-        QCOMPARE(h.value("initLines").toArray(), QJsonArray{"AT+CGDCONT=1,\"IP\",\"internet\""});
-        const QJsonObject c = found.value(cinterion->devicePath());
-        QVERIFY(c.value("connectionName").toString().startsWith("Cinterion_MC52i_"));
-        QCOMPARE(c.value("balanceUssd").toString(), QStringLiteral("*100#"));
-
-        // The same search as a table; no progress drawn into a pipe.
-        const clitest::Result text = run(QStringList{"find"} + ports);
-        QCOMPARE(text.exitCode, 0);
-        const QStringList lines = text.out.split('\n');
-        QVERIFY2(lines.value(0).startsWith("PORT") && lines.value(0).contains("CONNECTION"), text.describe());
-        QVERIFY2(!text.out.contains('\r') && !text.out.contains("probed 0/"), text.describe());
-        for (const QJsonObject& modem : {h, c}) {
-            const QString row = lines.filter(modem.value("portName").toString()).value(0);
-            QVERIFY2(row.contains(modem.value("connectionName").toString()) && row.contains(" 115200 ")
-                         && row.contains(modem.value("imei").toString()),
-                     text.describe());
-        }
-        QVERIFY2(lines.contains(QString()) && text.out.contains("2 modem(s) on 3 port(s), probed in "),
-                 text.describe());
-    }
-
     void namesWhyPortsGaveNoModem()
     {
         // Every port that gave no modem gets a reason: a SIM that cannot be
@@ -110,44 +62,6 @@ private slots:
             QVERIFY2(lines.contains(expected), qPrintable(expected + "\n" + r.describe()));
     }
 
-    void demoJson()
-    {
-        bool ok = false;
-        const clitest::Result r = run({"demo", "--json"});
-        const QJsonObject demo = r.json(&ok);
-        QVERIFY2(r.exitCode == 0 && ok, r.describe());
-        QCOMPARE(demo.value("simulatedPorts").toArray().size(), 4);
-        const QJsonArray steps = demo.value("steps").toArray();
-        QStringList commands;
-        for (const QJsonValue& step : steps) {
-            commands << step.toObject().value("command").toString();
-            QCOMPARE(step.toObject().value("exitCode").toInt(), 0);
-        }
-        QCOMPARE(commands, (QStringList{"zelmodems find", "zelmodems info ttyS1", "zelmodems balance ttyS1",
-                                        "zelmodems sms list ttyS1", "zelmodems info ttyUSB1",
-                                        "zelmodems balance ttyUSB1", "zelmodems own-number ttyUSB1",
-                                        "zelmodems sms list ttyUSB1"}));
-
-        const QJsonArray modems = steps.at(0).toObject().value("result").toObject().value("modems").toArray();
-        QCOMPARE(modems.size(), 2);
-        const QJsonObject usb = modems.at(1).toObject();
-        QCOMPARE(usb.value("portName").toString(), QStringLiteral("ttyUSB0"));
-        QCOMPARE(usb.value("cmdPortName").toString(), QStringLiteral("ttyUSB1"));
-
-        const QJsonObject info = steps.at(4).toObject().value("result").toObject();
-        QCOMPARE(info.value("mnc").toInt(), 2);
-        QCOMPARE(info.value("dialect").toString(), QStringLiteral("HUAWEI"));
-
-        const QJsonArray messages =
-            steps.at(7).toObject().value("result").toObject().value("messages").toArray();
-        QCOMPARE(messages.size(), 3);
-        QCOMPARE(messages.at(0).toObject().value("sender").toString(), QStringLiteral("MegaFon"));
-        QCOMPARE(messages.at(2).toObject().value("text").toString(),
-                 QStringLiteral("The router in the cabinet is back online."));
-        for (int i = 1; i < messages.size(); ++i)
-            QVERIFY(messages.at(i - 1).toObject().value("dateTime").toString()
-                    <= messages.at(i).toObject().value("dateTime").toString());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestCliFind)

@@ -116,47 +116,6 @@ private slots:
         QVERIFY(faults::released(nodes.at(0), ownDescriptors.at(0), links.filePath(names.at(0))));
     }
 
-    // Every device vanishes, each at another step of its probe: the search
-    // ends, and its ports are all released.
-    void allDevicesVanish()
-    {
-        QTemporaryDir links;
-        QVERIFY(links.isValid());
-        findertest::SimPorts ports;
-        std::vector<std::unique_ptr<SimModem>> sims;
-        QStringList names;
-        QStringList nodes;
-        for (int i = 0; i < 3; ++i) {
-            sims.emplace_back(new SimModem(Make::Huawei));
-            QVERIFY(sims.back()->start());
-            names << QStringLiteral("ttyS%1").arg(310 + i);
-            QVERIFY(sims.back()->createLink(links.filePath(names.last())));
-            ports.declareSerial(names.last(), sims.back()->devicePath());
-            nodes << faults::deviceNode(sims.back()->devicePath());
-        }
-        sims.at(0)->setFault("I", Fault::Vanish);        // while identifying, at the first open
-        sims.at(1)->setFault("+GSN", Fault::Vanish);     // after the climb, reading the IMEI
-        sims.at(2)->setFault("&F0", Fault::Vanish);      // while being reset for the dialer
-
-        const Search r(names);
-        QCOMPARE(r.log.names, FOUND);
-        // The modems that vanished once their operator was known still make
-        // a record (the probe does not look at the port again at its end),
-        // the one that vanished while reading the IMEI without an IMEI; the
-        // one that vanished while identifying makes none.
-        QMap<QString, ModemInfo> found;
-        for (const ModemInfo& m : r.modems())
-            found.insert(m.portName(), m);
-        QCOMPARE(found.keys(), QStringList({QStringLiteral("ttyS311"), QStringLiteral("ttyS312")}));
-        QCOMPARE(found.value(QStringLiteral("ttyS311")).imei(), QString());
-        QCOMPARE(found.value(QStringLiteral("ttyS312")).imei(), QStringLiteral("866123456789012"));
-        QVERIFY(found.value(QStringLiteral("ttyS311")).isValid());
-        QVERIFY(found.value(QStringLiteral("ttyS312")).isValid());
-        for (int i = 0; i < 3; ++i) {
-            QVERIFY(sims.at(i)->hasVanished());
-            QVERIFY(faults::released(nodes.at(i), 0, links.filePath(names.at(i))));
-        }
-    }
 };
 
 QTEST_GUILESS_MAIN(TestFaultDiscovery)

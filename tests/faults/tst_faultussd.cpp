@@ -86,53 +86,6 @@ private slots:
         QVERIFY(faults::released(node, ownDescriptors));
     }
 
-    // A USB modem restarting drops off the bus: its device goes, and comes
-    // back (here: a new pty behind the same link, as udev names it again).
-    // The request fails; the old device is closed and unlocked, and the
-    // link opens again as the restarted modem.
-    void modemReenumeratesDuringUssd()
-    {
-        QTemporaryDir dir;
-        QVERIFY(dir.isValid());
-        const QString link = dir.filePath(QStringLiteral("ttyUSB2"));
-        SimModem before(Make::Huawei);
-        QVERIFY(before.start());
-        QVERIFY(before.createLink(link));
-        const QString oldNode = faults::deviceNode(link);
-        AtModem modem;
-        QVERIFY2(modem.open(link, 115200, 1), qPrintable(modem.lastError()));
-        // While open, the port's lock is there: what the checks below look for.
-        QCOMPARE(faults::lockFiles(oldNode, link).size(), 1);
-        before.setUssdReply("*100#", QByteArray());
-
-        SimModem after(Make::Huawei);
-        QVERIFY(after.start());
-        const int afterOwnDescriptors = faults::openDescriptors(faults::deviceNode(after.devicePath()));
-        QTimer::singleShot(1500, [&before] { before.vanish(); });
-        QTimer::singleShot(3000, [&after, &link] { after.createLink(link); });
-
-        QString message = QStringLiteral("kept");
-        QElapsedTimer clock;
-        clock.start();
-        QVERIFY(!modem.sendUSSD(QStringLiteral("*100#"), message));
-        QVERIFY2(clock.elapsed() < USSD_LONGEST_MS, "the request outlived its ten waits");
-        QCOMPARE(message, QStringLiteral("kept"));
-        QVERIFY(before.hasVanished());
-
-        // The vanished device is closed (its port saw the error) and holds
-        // no lock, even before the caller closes.
-        QVERIFY(faults::released(oldNode, 0, link));
-        QCOMPARE(modem.baudrate(), 0);
-
-        QVERIFY(modem.open(link, 115200, 1));
-        QString imei;
-        QVERIFY(modem.getImei(imei));
-        QCOMPARE(imei, QStringLiteral("866123456789012"));
-        const QString newNode = faults::deviceNode(link);
-        QVERIFY(newNode != oldNode);
-        modem.close();
-        QVERIFY(faults::released(newNode, afterOwnDescriptors, link));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestFaultUssd)

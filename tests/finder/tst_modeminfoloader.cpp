@@ -35,30 +35,6 @@ class TestModemInfoLoader : public QObject
     Q_OBJECT
 
 private slots:
-    void badRecord_data()
-    {
-        QTest::addColumn<QString>("port");
-        QTest::addColumn<int>("baudrate");
-        QTest::newRow("no port") << QString() << 115200;
-        QTest::newRow("rate 0") << QStringLiteral("/dev/ttyS0") << 0;
-        QTest::newRow("negative rate") << QStringLiteral("/dev/ttyS0") << -9600;
-        QTest::newRow("port will not open") << QStringLiteral("/nonexistent/ttyUSB9") << 115200;
-    }
-    void badRecord()
-    {
-        QFETCH(QString, port);
-        QFETCH(int, baudrate);
-        const ModemInfo original = recordFor(port, baudrate);
-        ModemInfo info = original;
-        QString error;
-        QVERIFY(!ModemInfoLoader::loadModemInfo(info, error));
-        // A record that looks right fails only when its port is opened.
-        QVERIFY2(port.isEmpty() || baudrate <= 0 ? error == QLatin1String("Invalid port name or baudrate")
-                                                 : error.startsWith(QLatin1String("Port opening error: ")),
-                 qPrintable(error));
-        QCOMPARE(info, original);
-    }
-
     // The modem's own failures come back as the driver's last error; an
     // operator missing from the table as the loader's text.
     void modemFails_data()

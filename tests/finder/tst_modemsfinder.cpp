@@ -102,14 +102,6 @@ private slots:
         m_sims.clear();
     }
 
-    void constructorSetsPoolLimit()
-    {
-        QThreadPool::globalInstance()->setMaxThreadCount(2);
-        ModemsFinder finder;
-        QCOMPARE(QThreadPool::globalInstance()->maxThreadCount(), 100);
-        QVERIFY(finder.modems().isEmpty());
-    }
-
     // One search over every kind of port: USB modems of several interfaces
     // (with and without the data-port link), a plain serial modem above
     // 115200, a modem that refuses fast rates, an unknown operator, a modem
@@ -270,39 +262,6 @@ private slots:
                                     QStringLiteral("Port ttyS0:\t[\"manufacturer is \"]"), QStringLiteral("Search on ttyS0")})
             QVERIFY2(logs.countExact(line) == 1, qPrintable(line));
         QCOMPARE(logs.countExact(QStringLiteral("Search on ")), 0);
-    }
-
-    void emptyPortList()
-    {
-        ModemsFinder finder;
-        SignalLog signalLog(finder);
-        finder.start(QStringList());
-        QCOMPARE(signalLog.names, QStringList({QStringLiteral("noDevices")}));
-        QCOMPARE(signalLog.errors, QStringList({QStringLiteral("There are no available ports")}));
-        // Nothing was started, so nothing more comes.
-        QTest::qWait(200);
-        QCOMPARE(signalLog.names, QStringList({QStringLiteral("noDevices")}));
-    }
-
-    void noModemFound()
-    {
-        SimPorts ports;
-        ports.declareSerial(QStringLiteral("ttyS0"), QStringLiteral("/nonexistent/ttyS0"), true);
-        ModemsFinder finder;
-        SignalLog signalLog(finder);
-        finder.start({QStringLiteral("ttyS0"), QStringLiteral("ttyS7")});
-        QVERIFY(waitForFinished(signalLog));
-        QCOMPARE(signalLog.names, QStringList({QStringLiteral("noDevices"), QStringLiteral("finished")}));
-        QCOMPARE(signalLog.errors, QStringList({QStringLiteral("There no devices finded")}));
-        QVERIFY(finder.modems().isEmpty());
-    }
-
-    void cancelWhileIdle()
-    {
-        ModemsFinder finder;
-        SignalLog signalLog(finder);
-        finder.cancel();
-        QCOMPARE(signalLog.names, QStringList({QStringLiteral("needCancel"), QStringLiteral("finished")}));
     }
 
     // A second start cancels the running search (needCancel once, and once

@@ -31,22 +31,6 @@ private slots:
         qputenv("QT5EXT_LOCK_DIR", QFile::encodeName(m_lockDir.path()));
     }
 
-    void lockFileNames_data()
-    {
-        QTest::addColumn<QString>("port");
-        QTest::addColumn<QString>("file");
-        QTest::newRow("bare name") << "ttyUSB0" << "LCK..ttyUSB0";
-        QTest::newRow("device path") << "/dev/ttyUSB0" << "LCK..ttyUSB0";
-        QTest::newRow("pty") << "/dev/pts/3" << "LCK..pts_3";
-    }
-
-    void lockFileNames()
-    {
-        QFETCH(QString, port);
-        QFETCH(QString, file);
-        QCOMPARE(qt5ext::SysUtils::portLockFile(port), QDir(m_lockDir.path()).filePath(file));
-    }
-
     void unlockPort_data()
     {
         QTest::addColumn<QByteArray>("content");   // empty: no lock file
@@ -108,49 +92,6 @@ private slots:
         qunsetenv("QT5EXT_INITCONFIG");
     }
 
-    void logFormatters_data()
-    {
-        QTest::addColumn<QByteArray>("data");
-        QTest::addColumn<QByteArray>("codec");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("line ends") << QByteArray("AT\r\r\nOK\r\n") << QByteArray() << "AT\\r\\r\\nOK\\r\\n";
-        QTest::newRow("control bytes") << QByteArray("a\x1a\x00z", 4) << QByteArray() << "a\\x1a\\x00z";
-        QTest::newRow("utf-8") << QByteArray("\xd0\x91") << QByteArray("UTF-8") << QString(QChar(0x0411));
-        QTest::newRow("latin-1") << QByteArray("\xd0") << QByteArray() << QString(QChar(0xd0));
-    }
-
-    void logFormatters()
-    {
-        QFETCH(QByteArray, data);
-        QFETCH(QByteArray, codec);
-        QFETCH(QString, text);
-        QCOMPARE(logbinary(data, codec.isEmpty() ? nullptr : codec.constData()), text);
-    }
-
-    void listAndVariantFormatters()
-    {
-        QCOMPARE(loglist({QStringLiteral("ttyS0"), QString()}), QStringLiteral("[\"ttyS0\", \"\"]"));
-        QVariantMap map;
-        map.insert(QStringLiteral("a"), 1);
-        map.insert(QStringLiteral("b"), QStringList{QStringLiteral("x")});
-        QCOMPARE(logvariant(map), QStringLiteral("{\"a\":1,\"b\":[\"x\"]}"));
-        QCOMPARE(logvariant(QStringLiteral("s")), QStringLiteral("\"s\""));
-        QCOMPARE(logvariant(QVariant()), QStringLiteral("null"));
-        QString line;
-        QTextStream(&line) << "a" << logtab << "b";
-        QCOMPARE(line, QStringLiteral("a\tb"));
-    }
-
-    void versionRegistry()
-    {
-        const qt5ext::AppVersion v(QStringLiteral("1.2.3"), QStringLiteral("2021-05-11T13:12:16"));
-        QVERIFY(!qt5ext::AppVersion().isValid());
-        QCOMPARE(qt5ext::AppVersionManager::addVersion(QStringLiteral("tst"), v), v);
-        QCOMPARE(qt5ext::AppVersionManager::version(QStringLiteral("tst")), v);
-        // No translation file of that name exists.
-        qt5ext::AppVersionManager::addLocalisation(QStringLiteral("tst"));
-        QVERIFY(!qt5ext::AppVersionManager::isLocalisationInstalled(QStringLiteral("tst")));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestPlatform)

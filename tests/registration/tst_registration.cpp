@@ -30,31 +30,6 @@ private slots:
         QVERIFY(qt5ext::AppVersionManager::localisations().contains(QStringLiteral("zelmodemslib")));
     }
 
-    void buildDateTime_data()
-    {
-        QTest::addColumn<QString>("date");
-        QTest::addColumn<QString>("time");
-        QTest::addColumn<QString>("iso");
-
-        QTest::newRow("shipped build") << "May 11 2021" << "13:12:16" << "2021-05-11T13:12:16";
-        // The compiler pads single-digit days with a blank.
-        QTest::newRow("single-digit day") << "Jan  9 2020" << "00:00:01" << "2020-01-09T00:00:01";
-        QTest::newRow("end of year") << "Dec 31 1999" << "23:59:59" << "1999-12-31T23:59:59";
-        QTest::newRow("September") << "Sep  5 2023" << "07:08:09" << "2023-09-05T07:08:09";
-        // Unparsable: an empty time text, registration goes on regardless.
-        QTest::newRow("not a date") << "Mai 11 2021" << "13:12:16" << "";
-        QTest::newRow("empty") << "" << "" << "";
-    }
-
-    void buildDateTime()
-    {
-        QFETCH(QString, date);
-        QFETCH(QString, time);
-        QFETCH(QString, iso);
-
-        QCOMPARE(ZelModemsLib::buildDateTimeIso(date, time), iso);
-    }
-
     void secondInstance()
     {
         const qt5ext::AppVersion before = ZelModemsLib::version();

@@ -5,18 +5,14 @@
 
 #include "gammupeer.h"
 #include "pdu.h"
-#include "smspdudecoder.h"
-#include "smspduencoder.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QtTest>
 
-#include <tuple>
 
 namespace {
 
@@ -44,19 +40,13 @@ private slots:
     void splitting();
     void rejects_data();
     void rejects();
-    void referencesCount();
-    void gsm7Alphabet();
-    void septetPacking();
     void validity_data();
     void validity();
-    void statusMeanings_data();
-    void statusMeanings();
     void explainStatusReport_data();
     void explainStatusReport();
     void explainUserDataHeader_data();
     void explainUserDataHeader();
     void peerDecodesGeneratedSubmits();
-    void peerStatusReportsAreExplained();
 };
 
 void TestPdu::knownSubmits_data()
@@ -79,8 +69,6 @@ void TestPdu::knownSubmits_data()
     QTest::newRow("status report, national digits")
         << "8 916 123-45-67" << "hello" << 0 << true << autoType << ""
         << "0021000B819861214365F7000005E8329BFD06" << 18;
-    QTest::newRow("national type") << "89161234567" << "hello" << 0 << false << int(PDU::NationalNumber) << ""
-                                   << "0001000BA19861214365F7000005E8329BFD06" << 18;
     QTest::newRow("star and hash") << "*100#" << "A" << 0 << false << autoType << ""
                                    << "00010005811A00FB00000141" << 11;
     QTest::newRow("service centre") << "+79161234567" << "hello" << 0 << false << autoType << "+79168999100"
@@ -138,13 +126,10 @@ void TestPdu::splitting_data()
     QTest::newRow("160 septets fit one") << a160 << false << QList<int> { 160 } << false;
     QTest::newRow("161 septets take two") << a160 + "b" << false << QList<int> { 153, 8 } << false;
     QTest::newRow("16-bit reference") << a160 + "b" << true << QList<int> { 152, 9 } << false;
-    QTest::newRow("three parts") << QString(400, QLatin1Char('x')) << false << QList<int> { 153, 153, 94 } << false;
     // 152 septets and an escape pair overrun a part of 153: the pair moves whole.
     QTest::newRow("escape pair not split") << a160.left(152) + euro + b10 << false << QList<int> { 152, 12 } << false;
     QTest::newRow("escape pair just fits") << a160.left(151) + euro + b10 << false << QList<int> { 153, 10 } << false;
-    QTest::newRow("70 ucs2 fit one") << zhe.repeated(70) << false << QList<int> { 70 } << true;
     QTest::newRow("71 ucs2 take two") << zhe.repeated(71) << false << QList<int> { 67, 4 } << true;
-    QTest::newRow("ucs2 16-bit reference") << zhe.repeated(71) << true << QList<int> { 66, 5 } << true;
     // U+1F600 takes two UTF-16 units; they stay in one part.
     QTest::newRow("surrogate pair not split") << zhe.repeated(66) + QString::fromUtf8("😀") + b10 << false
                                               << QList<int> { 66, 12 } << true;
@@ -195,8 +180,6 @@ void TestPdu::rejects_data()
 
     const int autoAlphabet = PDU::AutoAlphabet;
     QTest::newRow("empty number") << "" << "x" << autoAlphabet << "Invalid recipient number \"\"";
-    QTest::newRow("letters") << "+7916abc" << "x" << autoAlphabet << "Invalid recipient number \"+7916abc\"";
-    QTest::newRow("plus inside") << "79+16" << "x" << autoAlphabet << "Invalid recipient number \"79+16\"";
     QTest::newRow("21 digits") << QString(21, QLatin1Char('1')) << "x" << autoAlphabet
                                << "Invalid recipient number \"111111111111111111111\"";
     QTest::newRow("cyrillic in gsm") << "+7916" << QString::fromUtf8("Да") << int(PDU::Gsm7Alphabet)
@@ -223,65 +206,6 @@ void TestPdu::rejects()
     QVERIFY(zelmodems::encodeSmsSubmit(recipient, text, options).isEmpty());
 }
 
-void TestPdu::referencesCount()
-{
-    // Without a given reference each long message gets the next one.
-    const QString text(200, QLatin1Char('r'));
-    const PDU::Submit a = zelmodems::decodeSmsSubmit(zelmodems::encodeSmsSubmit("+7916", text).at(0).toHex());
-    const PDU::Submit b = zelmodems::decodeSmsSubmit(zelmodems::encodeSmsSubmit("+7916", text).at(0).toHex());
-    QVERIFY(a.concatReference() >= 0 && a.concatReference() <= 0xFF);
-    QCOMPARE(b.concatReference(), (a.concatReference() + 1) & 0xFF);
-}
-
-void TestPdu::gsm7Alphabet()
-{
-    // Every character of the default alphabet (except the escape) and of the
-    // extension table survives septets and back, at its table position.
-    const QString basic = QString::fromUtf8(
-        "@£$¥èéùìòÇ\nØø\rÅåΔ_ΦΓΛΩΠΨΣΘΞ\x1F" "ÆæßÉ !\"#¤%&'()*+,-./0123456789:;<=>?¡ABCDEFGHIJKLMNOPQRSTUVWXYZÄÖÑÜ§"
-        "¿abcdefghijklmnopqrstuvwxyzäöñüà");
-    QString table = basic;
-    table.remove(QChar(0x1F)); // placeholder for the escape position
-    QCOMPARE(table.size(), 127);
-    bool ok = false;
-    const QByteArray septets = PDU::toGsm7(table, &ok);
-    QVERIFY(ok);
-    for (int i = 0; i < septets.size(); ++i)
-        QCOMPARE(int(septets.at(i)), i < 27 ? i : i + 1);
-    QCOMPARE(PDU::fromGsm7(septets), table);
-
-    const QString extension = QString::fromUtf8("\f^{}\\[~]|€");
-    QCOMPARE(PDU::toGsm7(extension).toHex(), QByteArray("1b0a1b141b281b291b2f1b3c1b3d1b3e1b401b65"));
-    QCOMPARE(PDU::fromGsm7(PDU::toGsm7(extension)), extension);
-    QCOMPARE(PDU::gsm7Length(extension), 20);
-    QCOMPARE(PDU::gsm7Length(QString::fromUtf8("abcЖ")), -1);
-    PDU::toGsm7(QString::fromUtf8("Ж"), &ok);
-    QVERIFY(!ok);
-    // An unknown escape pair reads as its second septet; a trailing escape is dropped.
-    QCOMPARE(PDU::fromGsm7(QByteArray::fromHex("1b41421b")), QStringLiteral("AB"));
-}
-
-void TestPdu::septetPacking()
-{
-    // Three packers written apart agree: the toolkit's (with fill bits for a
-    // header), the USSD packer and the SMS-DELIVER unpacker.
-    QRandomGenerator random(7);
-    for (int round = 0; round < 1000; ++round) {
-        QByteArray septets(int(random.bounded(170)), '\0');
-        for (char& c : septets)
-            c = char(random.bounded(0x80));
-        QCOMPARE(PDU::packSeptets(septets).toHex(), SmsPduEncoder::encode(septets, ' ').toHex());
-        QCOMPARE(SmsPduDecoder::septetsToOctets(PDU::packSeptets(septets), septets.size()), septets);
-        const int fill = int(random.bounded(7));
-        const QByteArray packed = PDU::packSeptets(septets, fill);
-        QCOMPARE(packed.size(), (fill + 7 * septets.size() + 7) / 8);
-        QCOMPARE(static_cast<uchar>(packed.isEmpty() ? 0 : packed.at(0)) & ((1 << fill) - 1), 0);
-        QCOMPARE(PDU::unpackSeptets(packed, septets.size(), fill), septets);
-    }
-    // Asking for more septets than there are gives what there is.
-    QCOMPARE(PDU::unpackSeptets(QByteArray::fromHex("E8329BFD06"), 99), QByteArray("hello"));
-}
-
 void TestPdu::validity_data()
 {
     QTest::addColumn<int>("minutes");
@@ -289,15 +213,10 @@ void TestPdu::validity_data()
     QTest::addColumn<int>("meaning");
 
     QTest::newRow("none") << 0 << -1 << 0;
-    QTest::newRow("5 minutes") << 5 << 0 << 5;
     QTest::newRow("6 minutes") << 6 << 1 << 10;
-    QTest::newRow("12 hours") << 720 << 143 << 720;
     QTest::newRow("12 h 1 min") << 721 << 144 << 750;
-    QTest::newRow("1 day") << 1440 << 167 << 1440;
     QTest::newRow("1 day 1 min") << 1441 << 168 << 2880;
-    QTest::newRow("30 days") << 30 * 1440 << 196 << 30 * 1440;
     QTest::newRow("31 days") << 31 * 1440 << 197 << 35 * 1440;
-    QTest::newRow("63 weeks") << 63 * 7 * 1440 << 255 << 63 * 7 * 1440;
     QTest::newRow("beyond") << 100 * 7 * 1440 << 255 << 63 * 7 * 1440;
 }
 
@@ -309,32 +228,6 @@ void TestPdu::validity()
     QCOMPARE(PDU::validityOctet(minutes), octet);
     if (octet >= 0)
         QCOMPARE(PDU::validityMinutes(octet), meaning);
-}
-
-void TestPdu::statusMeanings_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<int>("statusClass");
-    QTest::addColumn<QString>("meaning");
-
-    QTest::newRow("02") << 0x02 << int(PDU::StatusCompleted) << "Short message replaced by the SC";
-    QTest::newRow("05") << 0x05 << int(PDU::StatusCompleted) << "Reserved";
-    QTest::newRow("10") << 0x10 << int(PDU::StatusCompleted) << "Specific to the service centre";
-    QTest::newRow("21") << 0x21 << int(PDU::StatusTemporaryRetrying) << "SME busy";
-    QTest::newRow("30") << 0x30 << int(PDU::StatusTemporaryRetrying) << "Specific to the service centre";
-    QTest::newRow("4a") << 0x4A << int(PDU::StatusPermanentError) << "Reserved";
-    QTest::newRow("62") << 0x62 << int(PDU::StatusTemporaryGivenUp) << "No response from SME";
-    QTest::newRow("80") << 0x80 << int(PDU::StatusReserved) << "Reserved";
-    QTest::newRow("-1") << -1 << int(PDU::StatusReserved) << "Invalid status value";
-}
-
-void TestPdu::statusMeanings()
-{
-    QFETCH(int, status);
-    QFETCH(int, statusClass);
-    QFETCH(QString, meaning);
-    QCOMPARE(int(PDU::statusClass(status)), statusClass);
-    QCOMPARE(PDU::statusMeaning(status), meaning);
 }
 
 void TestPdu::explainStatusReport_data()
@@ -364,9 +257,6 @@ void TestPdu::explainStatusReport_data()
     QTest::newRow("truncated")
         << "00062A0B919761214365F712501131" << true
         << invalid + "Truncated in the service centre time stamp at octet 11 (7 needed, 4 left)";
-    QTest::newRow("not hex") << "00062A0B9197612G" << true
-                             << invalid + "Not hexadecimal text: character 'G' after 15 digits";
-    QTest::newRow("odd digits") << "00062" << true << invalid + "Odd number of hexadecimal digits (5)";
     QTest::newRow("empty") << " \r\n" << true << invalid + "Empty PDU";
 }
 
@@ -393,9 +283,6 @@ void TestPdu::explainUserDataHeader_data()
     row("concatenation 8-bit", "050003CC0201",
         "User data header, 5 octets\n"
         "  Concatenated short messages, 8-bit reference: reference 204, part 1 of 2");
-    row("concatenation 16-bit", "060804BEEF0303",
-        "User data header, 6 octets\n"
-        "  Concatenated short messages, 16-bit reference: reference 48879, part 3 of 3");
     row("ports and language", "1005040B8423F00402FA00240101250102",
         "User data header, 16 octets\n"
         "  Application port addressing, 16-bit address: destination port 2948, originator port 9200\n"
@@ -409,26 +296,13 @@ void TestPdu::explainUserDataHeader_data()
         "  Unknown element 0xa0 (reserved), 1 octets: 01\n"
         "  Special SMS message indication: fax message waiting, 2 waiting, discard the message\n"
         "  Text formatting (0x0a), 3 octets: 00 00 10");
-    row("inconsistent concatenation", "0500030A0203",
-        "User data header, 5 octets\n"
-        "  Concatenated short messages, 8-bit reference: reference 10, part 3 of 2 "
-        "(inconsistent: the part is to be ignored)");
     row("wrong length", "0400020A02",
         "User data header, 4 octets\n"
         "  Concatenated short messages, 8-bit reference (0x00): wrong length 2 (3 expected): 0A 02");
     row("truncated element", "0500050A02",
         "User data header, 5 octets declared, only 4 present\n"
         "  Concatenated short messages, 8-bit reference (0x00) truncated: 5 octets declared, 2 present: 0A 02");
-    row("trailing octets", "0324010124",
-        "User data header, 3 octets\n"
-        "  (1 further octets are not part of the header)\n"
-        "  National language single shift: Turkish (1)");
-    row("reserved language", "03250100",
-        "User data header, 3 octets\n  National language locking shift: reserved language (0)");
-    row("length octet missing", "0124",
-        "User data header, 1 octets\n  Element 0x24 truncated: its length octet is missing");
     row("empty", "", "Empty user data header");
-    row("zero length", "00", "User data header, 0 octets");
 }
 
 void TestPdu::explainUserDataHeader()
@@ -452,7 +326,6 @@ void TestPdu::peerDecodesGeneratedSubmits()
         PDU::NumberType type = PDU::AutoNumberType;
     };
     const QList<Case> cases = {
-        { "+79161234567", "Hello, world!" },
         { "89161234567", "National number, plain text", false, true, 1440 },
         { "8 (916) 123-45-67", "National type", false, false, 0, PDU::NationalNumber },
         { "+44 7911 123456", QString::fromUtf8("Extension: {[~]} \\ | ^ € and form\ffeed"), false, false, 60 },
@@ -460,7 +333,6 @@ void TestPdu::peerDecodesGeneratedSubmits()
         { "+79161234567", QString::fromUtf8("Привет, мир! Баланс: 10,50 руб.") },
         { "+79161234567", QStringLiteral("Long plain text that needs parts. ").repeated(12), false, true },
         { "+79161234567", QStringLiteral("Sixteen-bit reference. ").repeated(10), true },
-        { "89161234567", QString::fromUtf8("Длинное сообщение на кириллице. ").repeated(6) },
         { "+79161234567", QString::fromUtf8("€{}").repeated(60) },
         { "+79161234567", QString::fromUtf8("Ж").repeated(66) + QString::fromUtf8("€ ok"), true },
     };
@@ -512,48 +384,6 @@ void TestPdu::peerDecodesGeneratedSubmits()
             }
         }
         QCOMPARE(message.value("text").toString(), c.text);
-    }
-}
-
-void TestPdu::peerStatusReportsAreExplained()
-{
-    // gammu builds the reports from fields it encodes itself; the toolkit
-    // reads the same reference, recipient, status and times out of them.
-    const QList<std::tuple<QString, int, int>> cases = {
-        { "+79161234567", 42, 0x00 }, { "89161234567", 7, 0x45 }, { "+4915112345678", 255, 0x20 },
-        { "+79161234567", 0, 0x62 },  { "112", 1, 0x30 },         { "+447911123456", 128, 0x46 },
-    };
-    QJsonArray reports;
-    for (const auto& c : cases)
-        reports << QJsonObject { { "number", std::get<0>(c) }, { "reference", std::get<1>(c) },
-                                 { "status", std::get<2>(c) }, { "scts", "2021-05-11T13:12:16" },
-                                 { "dt", "2021-05-11T13:12:20" } };
-    bool skipped = false;
-    const QJsonObject answer = runGammuPeer({ { "reports", reports } }, &skipped);
-    if (skipped)
-        QSKIP("The independent encoder is not available: /usr/bin/python3 with python3-gammu "
-              "(apt-get install python3-gammu) is needed for this test.");
-    const QJsonArray built = answer.value("reports").toArray();
-    QCOMPARE(built.size(), cases.size());
-
-    for (int i = 0; i < cases.size(); ++i) {
-        const QJsonObject peer = built.at(i).toObject();
-        const QString hex = peer.value("hex").toString();
-        // gammu reads its own report back as we asked for it...
-        QCOMPARE(peer.value("type").toString(), QStringLiteral("Status_Report"));
-        QCOMPARE(peer.value("status").toInt(), std::get<2>(cases.at(i)));
-        // ...and the toolkit agrees with gammu.
-        const PDU::StatusReport report = zelmodems::decodeStatusReport(hex);
-        QVERIFY2(report.valid(), qPrintable(report.error()));
-        QCOMPARE(report.recipient(), peer.value("number").toString());
-        QCOMPARE(report.status(), peer.value("status").toInt());
-        QCOMPARE(report.messageReference(), peer.value("reference").toInt());
-        QCOMPARE(report.serviceCentreTime().toString("yyyy-MM-ddTHH:mm:ss"), QStringLiteral("2021-05-11T13:12:16"));
-        QCOMPARE(report.dischargeTime().toString("yyyy-MM-ddTHH:mm:ss"), QStringLiteral("2021-05-11T13:12:20"));
-
-        const QString explanation = zelmodems::explainStatusReport(hex);
-        QVERIFY2(explanation.contains("  Recipient: " + report.recipient() + " ("), qPrintable(explanation));
-        QVERIFY2(explanation.endsWith(PDU::statusMeaning(report.status())), qPrintable(explanation));
     }
 }
 
