@@ -27,19 +27,10 @@ private slots:
         QTest::newRow("cinterion") << ati(Make::Cinterion) << siemens << QString("Cinterion_MC52i");
         QTest::newRow("lower-case cinterion, revision removed") << QByteArray("cinterion BGS2-W revision 01.301")
                                                                 << siemens << QString("cinterion_BGS2-W");
-        QTest::newRow("revision removal is case-sensitive") << QByteArray("Siemens TC35 RevIsion 5") << siemens
-                                                            << QString("Siemens_TC35_RevIsion_5");
-        QTest::newRow("siemens before simcom") << QByteArray("SIMCOM module by Siemens\r\nRevision: 2") << siemens
-                                               << QString("SIMCOM_module_by_Siemens");
-        // 2: HSPA data cards
-        QTest::newRow("hspa data card") << ati(Make::HspaDataCard) << hspa
-                                        << QString("Qualcomm_Incorporated_HSPA_Data_Card");
         QTest::newRow("hspa before simcom") << QByteArray("SIMCOM HSPA Data Card") << hspa
                                             << QString("SIMCOM_HSPA_Data_Card");
         // 3: SIMCOM
         QTest::newRow("simcom") << ati(Make::SimCom) << simcom << QString("SIMCOM_INCORPORATED_SIMCOM_SIM7600E-H");
-        QTest::newRow("simcom, model only") << QByteArray("SIMCOM\r\nModel: SIM5360E") << simcom
-                                            << QString("SIMCOM_Model:_SIM5360E_SIM5360E");
         // 4: Huawei, revisions kept
         QTest::newRow("huawei") << ati(Make::Huawei) << huawei << QString("huawei_E3372");
         QTest::newRow("huawei without fields keeps the revision") << QByteArray("Huawei E173\r\nRevision 11.126")
@@ -47,10 +38,8 @@ private slots:
         // 5: ZTE
         QTest::newRow("zte") << ati(Make::Zte) << zte << QString("ZTE_INCORPORATED_MF626");
         QTest::newRow("mf number in lower case") << QByteArray("usb modem mf627b") << zte << QString("ZTE_mf627");
-        QTest::newRow("mf number, model field only") << QByteArray("Model: MF626\r\n") << zte << QString("ZTE_MF626");
         QTest::newRow("zte without number: first four characters") << QByteArray("zte corp") << zte
                                                                    << QString("ZTE_zte_");
-        QTest::newRow("zte before e3372") << QByteArray("ZTE E3372") << zte << QString("ZTE_ZTE_");
         // 6: Huawei sticks that do not say huawei
         QTest::newRow("e3372 with model") << QByteArray("Model: E3372\r\nRevision: 22.200") << huawei
                                           << QString("HUAWEI_E3372");
@@ -60,8 +49,6 @@ private slots:
         // 8: anything else
         QTest::newRow("unknown") << ati(Make::Unknown) << QString("DEFAULT_AT_GSM")
                                  << QString("Generic_V.92_Data/Fax_Modem");
-        QTest::newRow("utf-8 text") << QByteArray("Modem \xc3\x84rger") << QString("DEFAULT_AT_GSM")
-                                    << QString::fromUtf8("Modem_\xc3\x84rger");
     }
 
     void classification()
@@ -100,7 +87,6 @@ private slots:
         QCOMPARE(modem.toModemOnly(), result);
         QCOMPARE(sim.commands(), commands);
     }
-
 };
 
 QTEST_GUILESS_MAIN(TestAtDialect)

@@ -34,8 +34,6 @@ private slots:
         QTest::newRow("huawei full: restart, wait for it") << ResetRow{Make::Huawei, true, restart};
         QTest::newRow("huawei light") << ResetRow{Make::Huawei, false, nothing};
         QTest::newRow("zte full: power on") << ResetRow{Make::Zte, true, {"E0", "+CFUN=1", "", "&F0"}};
-        QTest::newRow("zte light: power on") << ResetRow{Make::Zte, false, {"E0", "+CFUN=1", "", "&F0"}};
-        QTest::newRow("simcom light") << ResetRow{Make::SimCom, false, nothing};
         QTest::newRow("default full: nothing to restart") << ResetRow{Make::Unknown, true, nothing};
         // The one row with a fixed sleep (5 s) between restart and probes.
         QTest::newRow("simcom full: restart, sleep, wait for it") << ResetRow{Make::SimCom, true, restart};
@@ -72,7 +70,6 @@ private slots:
         QCOMPARE(log.find(QStringLiteral("default"), QStringLiteral("RESET MODEM")).size(), row.full ? 1 : 0);
         QVERIFY(log.find(QStringLiteral("atmodem"), QStringLiteral("RESET MODEM")).isEmpty());
     }
-
 };
 
 QTEST_GUILESS_MAIN(TestAtReset)

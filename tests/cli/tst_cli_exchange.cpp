@@ -21,7 +21,6 @@ using zelmodems::sim::Profile;
 using zelmodems::sim::SimModem;
 using zelmodems::sim::Ussd;
 
-
 class TestCliExchange : public QObject
 {
     Q_OBJECT
@@ -39,8 +38,6 @@ private slots:
                                    << "Signal:       unknown (the modem reports no signal)";
         QTest::newRow("no signal, JSON") << QStringList{"signal", "--json"} << QByteArray("+CSQ: 99,99")
                                          << QByteArray() << 0 << "\"signal\": null";
-        QTest::newRow("global option first") << QStringList{"--json", "signal"} << QByteArray("+CSQ: 20,99")
-                                             << QByteArray() << 0 << "\"signal\": -73";
         QTest::newRow("USSD not supported") << QStringList{"balance", "--code", "*100#"} << QByteArray()
                                             << Ussd::statusOnly(4) << 1 << "status 4: operation not supported";
         QTest::newRow("ended by the network, JSON error")
@@ -101,28 +98,6 @@ private slots:
         QVERIFY2(r.err.contains(QStringLiteral("is in use by another program (pid %1")
                                     .arg(QCoreApplication::applicationPid())),
                  r.describe());
-    }
-
-    void ownNumberFromTheUssdReply()
-    {
-        // MegaFon answers *205# in the USSD reply (operator table).
-        auto modem = clitest::startModem(Make::Huawei);
-        QVERIFY(modem);
-        modem->setUssdReply("*205#", Ussd::plain("Vash nomer +7 (912) 345-67-89"));
-        const clitest::Result text = run({"own-number", modem->devicePath()});
-        QVERIFY2(text.exitCode == 0, text.describe());
-        QCOMPARE(text.out, QStringLiteral("Own number:   9123456789\n"));
-        const clitest::Result json = run({"own-number", "--json", modem->devicePath()});
-        QCOMPARE(json.json().value("number").toString(), QStringLiteral("9123456789"));
-        QCOMPARE(json.json().value("fromSms").toBool(), false);
-        QCOMPARE(json.json().value("code").toString(), QStringLiteral("*205#"));
-
-        // A reply without a number.
-        modem->setUssdReply("*999#", Ussd::plain("Usluga nedostupna"));
-        const clitest::Result none = run({"own-number", modem->devicePath(), "--code", "*999#", "--ussd-reply"});
-        QCOMPARE(none.exitCode, 1);
-        QVERIFY2(none.err.contains("zelmodems own-number: the operator's reply held no telephone number"),
-                 none.describe());
     }
 
     void ownNumberBySmsDeletesOnlyTheReply()

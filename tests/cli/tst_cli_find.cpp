@@ -61,7 +61,6 @@ private slots:
               QStringLiteral("Demo finished: 8 commands, all succeeded.")})
             QVERIFY2(lines.contains(expected), qPrintable(expected + "\n" + r.describe()));
     }
-
 };
 
 QTEST_GUILESS_MAIN(TestCliFind)

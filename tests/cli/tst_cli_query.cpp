@@ -101,19 +101,6 @@ private slots:
         QVERIFY2(none.err.contains("zelmodems cells: the modem reports no cell"), none.describe());
     }
 
-    void operatorEntry()
-    {
-        const clitest::Result r = run({"operator", "--json", port("simcom")});
-        QCOMPARE(r.exitCode, 0);
-        const QJsonObject json = r.json();
-        QCOMPARE(json.value("mcc").toInt(), 250);
-        QCOMPARE(json.value("mnc").toInt(), 99);
-        const QJsonObject entry = json.value("operatorTable").toObject();
-        QCOMPARE(entry.value("balancePhone").toString(), QStringLiteral("*102#"));
-        QCOMPARE(entry.value("selfNumberFromSms").toBool(), true);
-        QCOMPARE(entry.value("userName").toString(), QStringLiteral("beeline"));
-    }
-
     void operatorNotInTable()
     {
         Profile profile = Profile::forMake(Make::Zte);

@@ -10,12 +10,14 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QThreadPool>
 #include <QtTest>
 
 #include <memory>
+#include <optional>
 
 using namespace findertest;
 using zelmodems::sim::Make;
@@ -262,6 +264,64 @@ private slots:
                                     QStringLiteral("Port ttyS0:\t[\"manufacturer is \"]"), QStringLiteral("Search on ttyS0")})
             QVERIFY2(logs.countExact(line) == 1, qPrintable(line));
         QCOMPARE(logs.countExact(QStringLiteral("Search on ")), 0);
+    }
+
+    // Modems that vanish at different moments of their probe (before it, at
+    // the first operator query of the rate climb, half-way up the climb)
+    // beside one that keeps answering: the search ends, reports only the
+    // healthy modem and leaves no port open, so the next search finds it
+    // again. The ports are links to the ptys, as udev names them: a vanished
+    // device takes its link with it, so its name never reaches a pty number
+    // the system has since given to another program.
+    void devicesVanishDuringSearch()
+    {
+        QTemporaryDir links;
+        SimPorts ports;
+        QStringList names;
+        for (int i = 0; i < 4; ++i) {
+            Profile profile = Profile::forMake(Make::Huawei);
+            profile.imei = QByteArray::number(866000000000100LL + i);
+            names << QStringLiteral("ttyS%1").arg(300 + i);
+            QVERIFY(addSim(profile)->createLink(links.filePath(names.last())));
+            ports.declareSerial(names.last(), m_sims.back()->devicePath());
+        }
+        // Descriptors of this process open on a device, the simulator's own included.
+        const auto openOn = [](const QString& device) {
+            const QString node = QFileInfo(device).canonicalFilePath();
+            const QDir fds(QStringLiteral("/proc/self/fd"));
+            int count = 0;
+            for (const QString& fd : fds.entryList(QDir::Files | QDir::System | QDir::NoDotAndDotDot))
+                count += QFile::symLinkTarget(fds.filePath(fd)) == node ? 1 : 0;
+            return count;
+        };
+        const int simulatorOwn = openOn(m_sims.at(0)->devicePath());
+        m_sims.at(1)->vanish();
+        m_sims.at(2)->setFault("+CIMI", zelmodems::sim::Fault::Vanish);
+        SimModem* dying = m_sims.at(3).get();
+        auto identifications = std::make_shared<int>(0);
+        dying->addHandler([dying, identifications](const QByteArray& command) -> std::optional<zelmodems::sim::Reply> {
+            if (command == "I" && ++*identifications == 5)
+                dying->setFault(QByteArray(), zelmodems::sim::Fault::Vanish);   // the next command, whatever it is
+            return std::nullopt;
+        });
+
+        QList<ModemInfo> first;
+        for (int search = 0; search < 2; ++search) {
+            ModemsFinder finder;
+            SignalLog signalLog(finder);
+            finder.start(names);
+            QVERIFY(waitForFinished(signalLog));
+            QCOMPARE(signalLog.names, QStringList({QStringLiteral("devicesFinded"), QStringLiteral("finished")}));
+            const QList<ModemInfo> found = signalLog.found.value(0);
+            QCOMPARE(found.size(), 1);
+            QCOMPARE(found.first().imei(), QStringLiteral("866000000000100"));
+            QCOMPARE(openOn(m_sims.at(0)->devicePath()), simulatorOwn);
+            for (int i = 1; i < 4; ++i)
+                QVERIFY2(m_sims.at(i)->hasVanished(), qPrintable(names.at(i)));
+            if (search == 1)
+                QCOMPARE(found, first);
+            first = found;
+        }
     }
 
     // A second start cancels the running search (needCancel once, and once

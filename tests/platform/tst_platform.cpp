@@ -70,28 +70,6 @@ private slots:
         QCOMPARE(qt5ext::SysUtils::unlockPort(QStringLiteral("/dev/ttyUSB7"), force), result);
         QCOMPARE(QFile::exists(lock), lockRemains);
     }
-
-    void initConfig()
-    {
-        QTemporaryDir dir;
-        const QString conf = dir.filePath(QStringLiteral("zel5.conf"));
-        writeFile(conf, "workDir=/var/lib/x\nlocale=ru_RU\n");
-
-        // Without the environment's file: the installation's own, by name.
-        qunsetenv("QT5EXT_INITCONFIG");
-        QCOMPARE(qt5ext::InitConfig(QStringLiteral("orvel5zel"), false).settingsFileName(),
-                 QStringLiteral("/opt/orvel5zel/etc/zel5.conf"));
-        // A file that is not there: the installation's defaults.
-        qputenv("QT5EXT_INITCONFIG", QFile::encodeName(dir.filePath(QStringLiteral("missing.conf"))));
-        QCOMPARE(qt5ext::InitConfig(QStringLiteral("orvel5zel"), false).workDir(), QStringLiteral("/opt/orvel5zel/var"));
-
-        qputenv("QT5EXT_INITCONFIG", QFile::encodeName(conf));
-        const qt5ext::InitConfig config(QStringLiteral("orvel5zel"), false);
-        QCOMPARE(config.workDir(), QStringLiteral("/var/lib/x"));
-        QCOMPARE(config.locale(), QStringLiteral("ru_RU"));
-        qunsetenv("QT5EXT_INITCONFIG");
-    }
-
 };
 
 QTEST_GUILESS_MAIN(TestPlatform)

@@ -15,21 +15,6 @@ class TestRegistration : public QObject
     Q_OBJECT
 
 private slots:
-    void versionRegistered()
-    {
-        const qt5ext::AppVersion version = ZelModemsLib::version();
-        QVERIFY(version.isValid());
-        QCOMPARE(version.version(), QStringLiteral("5.0.28"));
-        const QDateTime built = QDateTime::fromString(version.buildDateTime(), Qt::ISODate);
-        QVERIFY2(built.isValid(), qPrintable(version.buildDateTime()));
-        QVERIFY(built.date().year() >= 2021);
-
-        const QMap<QString, qt5ext::AppVersion> versions = qt5ext::AppVersionManager::versions();
-        QVERIFY(versions.contains(QStringLiteral("zelmodemslib")));
-        QCOMPARE(versions.value(QStringLiteral("zelmodemslib")), version);
-        QVERIFY(qt5ext::AppVersionManager::localisations().contains(QStringLiteral("zelmodemslib")));
-    }
-
     void secondInstance()
     {
         const qt5ext::AppVersion before = ZelModemsLib::version();
@@ -54,12 +39,7 @@ private slots:
         QTest::addColumn<QString>("translation");
 
         QTest::newRow("finder, no devices") << "ModemsFinder" << "There no devices finded" << "Устройства не найдены";
-        // The blank at the end is part of the text.
-        QTest::newRow("modem, wrong mcc") << "AtModem" << "Wrong mcc %1" << "Неверный mcc %1";
         QTest::newRow("modem, error") << "AtModem" << "Modem said \"ERROR\"" << "Модем ответил \"ERROR\"";
-        QTest::newRow("loader, unknown error") << "QObject" << "Unknown error" << "Неизвестная ошибка";
-        QTest::newRow("decoder") << "SmsPduDecoder" << "Error reading address type %1." << "Ошибка чтения типа адреса %1.";
-        QTest::newRow("wvdial") << "WvDialConfWrapper" << "wvdial error" << "ошибка wvdial";
         // Not part of the translated texts.
         QTest::newRow("untranslated") << "QObject" << "Error reading user header data." << "Error reading user header data.";
     }

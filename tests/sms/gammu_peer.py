@@ -3,19 +3,10 @@
 
 Reads one JSON request from standard input and writes one JSON answer:
 
-  {"submits": [[hex, ...], ...],           # SMS-SUBMIT PDUs (with the SMSC part),
+  {"submits": [[hex, ...], ...]}          # SMS-SUBMIT PDUs (with the SMSC part),
                                             # one list per message
-   "reports": [{"number": "+7916...",       # status reports to build
-                "reference": 42, "status": 0,
-                "scts": "2021-05-11T13:12:16", "dt": "2021-05-11T13:12:20"}]}
-
   {"submits": [{"parts": [{"number", "text", "coding", "udh": {...}}],
-                "text": <the message joined by gammu>}],
-   "reports": [{"hex": <PDU>, "number", "status", "reference"}]}
-
-  {"delivers": [hex, ...]}                 # SMS-DELIVER PDUs to decode
-  {"delivers": [{"number", "text", "class", "smsc",
-                 "udh": {...}} or {"error": ...}]}
+                "text": <the message joined by gammu>}]}
 
   {"generate": {"seed": N, "count": M}}   # random messages that gammu encodes
   {"generated": [{"sender", "text", "class", "pdus": [hex, ...]}]}
@@ -70,77 +61,6 @@ def decode_submits(messages):
     return answers
 
 
-def address_field(number):
-    """TP-DA of an SMS-SUBMIT that gammu encodes for `number`."""
-    probe = gammu.EncodeSMS({"Class": -1, "Unicode": False,
-                             "Entries": [{"ID": "Text", "Buffer": "x"}]})[0]
-    probe["SMSC"] = {"Location": 0, "Number": "", "Validity": "NA"}
-    probe["Number"] = number
-    probe["Type"] = "Submit"
-    tpdu = gammu.EncodePDU(probe, "Submit")
-    tpdu = tpdu[1 + tpdu[0]:]            # drop the SMSC part
-    digits = tpdu[2]                     # first octet, TP-MR, then TP-DA
-    return tpdu[2:2 + 2 + (digits + 1) // 2]
-
-
-def timestamp_field(when):
-    """TP-SCTS of an SMS-DELIVER that gammu encodes with `when`."""
-    probe = gammu.EncodeSMS({"Class": -1, "Unicode": False,
-                             "Entries": [{"ID": "Text", "Buffer": "x"}]})[0]
-    probe["SMSC"] = {"Location": 0, "Number": "", "Validity": "NA"}
-    probe["Number"] = "+1"
-    probe["Type"] = "Deliver"
-    probe["DateTime"] = when
-    probe["SMSCDateTime"] = when
-    tpdu = gammu.EncodePDU(probe, "Deliver")
-    tpdu = tpdu[1 + tpdu[0]:]
-    digits = tpdu[1]                     # first octet, then TP-OA
-    pos = 1 + 2 + (digits + 1) // 2 + 2  # past TP-OA, TP-PID and TP-DCS
-    return tpdu[pos:pos + 7]
-
-
-def build_reports(requests):
-    # gammu's encoder gives no frame for the status-report layout, so the
-    # report is assembled from the fields gammu encodes (address and time
-    # stamps) and then read back by gammu's own decoder.
-    answers = []
-    for r in requests:
-        scts = datetime.datetime.fromisoformat(r["scts"])
-        dt = datetime.datetime.fromisoformat(r["dt"])
-        tpdu = (bytes([0x06, r["reference"]]) + address_field(r["number"])
-                + timestamp_field(scts) + timestamp_field(dt) + bytes([r["status"]]))
-        pdu = b"\x00" + tpdu
-        d = gammu.DecodePDU(pdu, True)
-        answers.append({
-            "hex": binascii.hexlify(pdu).decode().upper(),
-            "type": d["Type"],
-            "number": d["Number"],
-            "status": d["DeliveryStatus"],
-            "reference": d["MessageReference"],
-        })
-    return answers
-
-
-def decode_delivers(hexes):
-    answers = []
-    for h in hexes:
-        try:
-            d = gammu.DecodePDU(binascii.unhexlify(h), True)
-        except gammu.GSMError as exc:
-            answers.append({"error": str(exc)})
-            continue
-        udh = d["UDH"]
-        answers.append({
-            "number": d["Number"],
-            "text": d["Text"],
-            "class": d["Class"],
-            "smsc": d["SMSC"]["Number"],
-            "udh": {"type": udh["Type"], "id8": udh["ID8bit"], "id16": udh["ID16bit"],
-                    "part": udh["PartNumber"], "all": udh["AllParts"]},
-        })
-    return answers
-
-
 # Characters of the random texts: the whole GSM 7-bit default alphabet but
 # the escape, the extension table, and for UCS2 Cyrillic, CJK and
 # characters beyond the BMP (surrogate pairs).
@@ -183,8 +103,6 @@ def main():
     request = json.load(sys.stdin)
     answer = {
         "submits": decode_submits(request.get("submits", [])),
-        "reports": build_reports(request.get("reports", [])),
-        "delivers": decode_delivers(request.get("delivers", [])),
     }
     if "generate" in request:
         answer["generated"] = generate(request["generate"])

@@ -1,11 +1,9 @@
-// Messages and parts: decoding entry, joining, text and validity of
-// incomplete messages, error texts and the debug forms.
+// Messages and their parts: text, sender, time and validity of incomplete
+// messages, and error texts.
 
 #include "sms.h"
 
 #include <QtTest>
-
-#include <algorithm>
 
 namespace {
 
@@ -47,14 +45,6 @@ Sms message(const QStringList& pdus)
     return sms;
 }
 
-template <typename T>
-QString written(const T& item)
-{
-    QString out;
-    QDebug(&out).nospace() << item;
-    return out;
-}
-
 } // namespace
 
 class TestSms : public QObject
@@ -62,55 +52,10 @@ class TestSms : public QObject
     Q_OBJECT
 
 private slots:
-    void join_data();
-    void join();
     void assembly_data();
     void assembly();
     void addPartReplacesSetPartKeeps();
-    void debugForms_data();
-    void debugForms();
 };
-
-void TestSms::join_data()
-{
-    // Each message is described as "<size>|<text>"; single messages come
-    // first in input order, then the concatenated ones (in no defined order,
-    // so they are compared sorted).
-    QTest::addColumn<QStringList>("pdus");
-    QTest::addColumn<QStringList>("messages");
-
-    QTest::newRow("singles first, in input order")
-        << QStringList { deliver("first"), deliver("one", 0x5A, 2, 1), deliver("second"), deliver(" two", 0x5A, 2, 2) }
-        << QStringList { "1|first", "1|second", "2|one two" };
-    QTest::newRow("references kept apart")
-        << QStringList { deliver("x1", 1, 2, 1), deliver("y2", 2, 2, 2), deliver("x2", 1, 2, 2), deliver("y1", 2, 2, 1),
-                         deliver("single") }
-        << QStringList { "1|single", "2|x1x2", "2|y1y2" };
-    QTest::newRow("out of order") << QStringList { deliver("C", 7, 3, 3), deliver("A", 7, 3, 1), deliver("B", 7, 3, 2) }
-                                  << QStringList { "3|ABC" };
-    // A part whose header cannot be read has count 1 and stands alone.
-    QTest::newRow("unreadable header stands alone")
-        << QStringList { "07919761989901F0400B919761214365F70004" + STAMP_OCTETS + "0703240101616263",
-                         deliver("A", 7, 2, 1), brokenPart(7, 2, 2) }
-        << QStringList { "0|", "2|A[missing part]" };
-}
-
-void TestSms::join()
-{
-    QFETCH(QStringList, pdus);
-    QFETCH(QStringList, messages);
-
-    QList<SmsPart> parts;
-    for (const QString& pdu : pdus)
-        parts << Sms::decode(pdu);
-    QStringList described;
-    for (const Sms& sms : Sms::join(parts))
-        described << QStringLiteral("%1|%2").arg(sms.getSize()).arg(sms.getText());
-    const int singles = int(std::count_if(parts.cbegin(), parts.cend(),
-                                          [](const SmsPart& part) { return part.getPartCount() == 1; }));
-    std::sort(described.begin() + qMin(singles, described.size()), described.end());
-    QCOMPARE(described, messages);
-}
 
 void TestSms::assembly_data()
 {
@@ -180,37 +125,6 @@ void TestSms::addPartReplacesSetPartKeeps()
     QCOMPARE(data.parts.value(0).getText(), QStringLiteral("first"));
     // setPart does not touch size or sender.
     QCOMPARE(data.size, 0);
-}
-
-void TestSms::debugForms_data()
-{
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("expected");
-
-    SmsPart second = Sms::decode(deliver("Hi", 0x11, 3, 2));
-    SmsPart broken = Sms::decode(brokenPart(0x11, 3, 3));
-    Sms valid = message({ deliver("one ", 0x12, 2, 1), deliver("two", 0x12, 2, 2) });
-    Sms invalid = message({ deliver("x", 0x13, 2, 1), brokenPart(0x13, 2, 2) });
-    const QString secondText = "SmsPart([1/3] \"Hi\", \"+79161234567\", \"11.05.2021 13:12:16\")";
-
-    QTest::newRow("valid part") << written(second) << secondText;
-    QTest::newRow("invalid part") << written(broken) << "SmsPart(\"" + TEXT_ERROR + "\")";
-    QTest::newRow("invalid part pointer") << written(&broken) << "SmsPart(invalid message: \"" + TEXT_ERROR + "\")";
-    QTest::newRow("valid message")
-        << written(valid) << "Sms(2, \"one two\", \"+79161234567\", \"11.05.2021 13:12:16\")";
-    QTest::newRow("invalid message") << written(invalid) << "Sms(\"Sms([invalid part 1: " + TEXT_ERROR + "])\")";
-    QTest::newRow("message pointer") << written(&valid) << "\"one two\"";
-    // In a spaced stream the operators still write their own items unspaced.
-    QString spaced;
-    QDebug(&spaced) << "before" << second << "after";
-    QTest::newRow("inside a spaced stream") << spaced << "before " + secondText + " after ";
-}
-
-void TestSms::debugForms()
-{
-    QFETCH(QString, output);
-    QFETCH(QString, expected);
-    QCOMPARE(output, expected);
 }
 
 QTEST_GUILESS_MAIN(TestSms)
