@@ -19,48 +19,6 @@ class TestCliArgs : public QObject
     Q_OBJECT
 
 private slots:
-    void usageErrors_data()
-    {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("no command") << QStringList() << "Usage: zelmodems <command>";
-        QTest::newRow("unknown command") << QStringList{"bogus"} << "unknown command \"bogus\"";
-        QTest::newRow("sms alone") << QStringList{"sms"} << "sms needs a subcommand: list, delete, take or send";
-        QTest::newRow("no port") << QStringList{"info"} << "zelmodems info: PORT is missing";
-        // Nothing to delete is a mistake, not a successful deletion of nothing.
-        QTest::newRow("sms delete without index") << QStringList{"sms", "delete", "ttyS0"}
-                                                  << "zelmodems sms delete: INDEX is missing";
-        QTest::newRow("sms text missing") << QStringList{"sms", "send", "ttyS0", "+79161234567"}
-                                          << "zelmodems sms send: TEXT is missing";
-        QTest::newRow("own-number both ways") << QStringList{"own-number", "ttyS0", "--sms", "--ussd-reply"}
-                                              << "--sms and --ussd-reply exclude each other";
-        QTest::newRow("not hexadecimal") << QStringList{"pdu", "explain", "07zz"} << "\"07zz\" is not hexadecimal";
-    }
-
-    void usageErrors()
-    {
-        QFETCH(QStringList, args);
-        QFETCH(QString, message);
-        for (const bool json : {false, true}) {
-            if (json && args.isEmpty())
-                continue;
-            // --json right after the command's name: no option's value.
-            QStringList words = args;
-            const bool twoWords = (args.value(0) == "sms" || args.value(0) == "pdu") && args.size() > 1;
-            if (json)
-                words.insert(twoWords ? 2 : 1, QStringLiteral("--json"));
-            const clitest::Result r = run(words);
-            QVERIFY2(r.finished, r.describe());
-            QCOMPARE(r.exitCode, 2);
-            QVERIFY2(r.err.contains(message), r.describe());
-            // A program asking for JSON gets the failure as JSON on standard output.
-            if (json)
-                QCOMPARE(r.json().value("exitStatus").toInt(), 2);
-            else
-                QVERIFY2(r.out.isEmpty(), r.describe());
-        }
-    }
-
     // Every command has its help, and the overview lists it.
     void help()
     {
@@ -87,45 +45,6 @@ private slots:
         const clitest::Result r = run({"pdu", "encode", "call me", "Hello"});
         QCOMPARE(r.exitCode, 1);
         QVERIFY2(r.err.contains("zelmodems pdu encode: cannot encode the message"), r.describe());
-    }
-
-    void pduExplain_data()
-    {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("line");
-        // SMS-DELIVER from +79161234567, "Hello", 2022-11-22 17:18:05 +03.
-        QTest::newRow("deliver") << QStringList{"07919761980614F8040B919761214365F700002211227181502105C8329BFD06"}
-                                 << "SMS-DELIVER" << "text" << "Hello" << "  Sender: +79161234567";
-        // SMS-SUBMIT of "Привет" in UCS2 with a status report requested.
-        QTest::newRow("submit") << QStringList{"0021000B919761214365F700080C041F04400438043204350442"}
-                                << "SMS-SUBMIT" << "alphabet" << "ucs2" << "  Text: Привет";
-        // SMS-STATUS-REPORT for message 42: received by the recipient.
-        QTest::newRow("status report")
-            << QStringList{"00062A0B919761214365F72211227181502122112271815521" "00"} << "SMS-STATUS-REPORT"
-            << "recipient" << "+79161234567" << "  Message reference: 42";
-    }
-
-    void pduExplain()
-    {
-        QFETCH(QStringList, args);
-        QFETCH(QString, type);
-        QFETCH(QString, key);
-        QFETCH(QString, value);
-        QFETCH(QString, line);
-        const clitest::Result text = run(QStringList{"pdu", "explain"} + args);
-        QCOMPARE(text.exitCode, 0);
-        QVERIFY2(text.out.startsWith(type + '\n'), text.describe());
-        QVERIFY2(text.out.split('\n').contains(line), text.describe());
-
-        bool ok = false;
-        const clitest::Result json = run(QStringList{"pdu", "explain", "--json"} + args);
-        const QJsonObject object = json.json(&ok);
-        QVERIFY2(ok, json.describe());
-        QCOMPARE(object.value("type").toString(), type);
-        QCOMPARE(object.value(key).toString(), value);
     }
 
     void pduExplainHeaderAndBrokenPdu()
@@ -215,6 +134,111 @@ private slots:
         QCOMPARE(dialer.state(), QProcess::Running);
         dialer.kill();
         dialer.waitForFinished();
+    }
+
+    void usageErrors_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no command") << QStringList() << "Usage: zelmodems <command>";
+        QTest::newRow("unknown command") << QStringList{"bogus"} << "unknown command \"bogus\"";
+        QTest::newRow("sms alone") << QStringList{"sms"} << "sms needs a subcommand: list, delete, take or send";
+        QTest::newRow("unknown sms command") << QStringList{"sms", "read", "ttyS0"} << "unknown command \"sms read\"";
+        QTest::newRow("pdu alone") << QStringList{"pdu"} << "pdu needs a subcommand: encode or explain";
+        QTest::newRow("no port") << QStringList{"info"} << "zelmodems info: PORT is missing";
+        QTest::newRow("extra argument") << QStringList{"signal", "ttyS0", "ttyS1"}
+                                        << "zelmodems signal: unexpected argument \"ttyS1\"";
+        QTest::newRow("bad baud") << QStringList{"info", "ttyS0", "--baud", "fast"}
+                                  << "--baud takes a positive number, not \"fast\"";
+        QTest::newRow("bad attempts") << QStringList{"operator", "ttyS0", "--attempts", "0"}
+                                      << "--attempts takes a number from 1 to 10";
+        QTest::newRow("unknown option") << QStringList{"balance", "ttyS0", "--frobnicate"}
+                                        << "Unknown option 'frobnicate'";
+        QTest::newRow("option without value") << QStringList{"balance", "ttyS0", "--code"}
+                                              << "Missing value after '--code'";
+        // Nothing to delete is a mistake, not a successful deletion of nothing.
+        QTest::newRow("sms delete without index") << QStringList{"sms", "delete", "ttyS0"}
+                                                  << "zelmodems sms delete: INDEX is missing";
+        QTest::newRow("sms text missing") << QStringList{"sms", "send", "ttyS0", "+79161234567"}
+                                          << "zelmodems sms send: TEXT is missing";
+        QTest::newRow("own-number both ways") << QStringList{"own-number", "ttyS0", "--sms", "--ussd-reply"}
+                                              << "--sms and --ussd-reply exclude each other";
+        QTest::newRow("bad alphabet") << QStringList{"pdu", "encode", "+79161234567", "x", "--alphabet", "klingon"}
+                                      << "--alphabet takes auto, gsm7, 8bit or ucs2";
+        QTest::newRow("bad validity") << QStringList{"pdu", "encode", "+79161234567", "x", "--validity", "0"}
+                                      << "--validity takes a positive number of minutes";
+        QTest::newRow("reference too big") << QStringList{"pdu", "encode", "1", "x", "--reference", "256"}
+                                           << "--reference takes a number from 0 to 255";
+        QTest::newRow("not hexadecimal") << QStringList{"pdu", "explain", "07zz"} << "\"07zz\" is not hexadecimal";
+        QTest::newRow("odd digits") << QStringList{"pdu", "explain", "079"} << "is not hexadecimal octets";
+        QTest::newRow("bad timeout") << QStringList{"wvdialconf", "--timeout", "soon"}
+                                     << "--timeout takes milliseconds";
+    }
+
+    void usageErrors()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, message);
+        for (const bool json : {false, true}) {
+            if (json && args.isEmpty())
+                continue;
+            // --json right after the command's name: no option's value.
+            QStringList words = args;
+            const bool twoWords = (args.value(0) == "sms" || args.value(0) == "pdu") && args.size() > 1;
+            if (json)
+                words.insert(twoWords ? 2 : 1, QStringLiteral("--json"));
+            const clitest::Result r = run(words);
+            QVERIFY2(r.finished, r.describe());
+            QCOMPARE(r.exitCode, 2);
+            QVERIFY2(r.err.contains(message), r.describe());
+            // A program asking for JSON gets the failure as JSON on standard output.
+            if (json)
+                QCOMPARE(r.json().value("exitStatus").toInt(), 2);
+            else
+                QVERIFY2(r.out.isEmpty(), r.describe());
+        }
+    }
+
+    void pduExplain_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("line");
+        // SMS-DELIVER from +79161234567, "Hello", 2022-11-22 17:18:05 +03.
+        QTest::newRow("deliver") << QStringList{"07919761980614F8040B919761214365F700002211227181502105C8329BFD06"}
+                                 << "SMS-DELIVER" << "text" << "Hello" << "  Sender: +79161234567";
+        QTest::newRow("deliver without service centre")
+            << QStringList{"040B919761214365F700002211227181502105C8329BFD06", "--no-smsc"} << "SMS-DELIVER"
+            << "sender" << "+79161234567" << "  Text: Hello";
+        // SMS-SUBMIT of "Привет" in UCS2 with a status report requested.
+        QTest::newRow("submit") << QStringList{"0021000B919761214365F700080C041F04400438043204350442"}
+                                << "SMS-SUBMIT" << "alphabet" << "ucs2" << "  Text: Привет";
+        // SMS-STATUS-REPORT for message 42: received by the recipient.
+        QTest::newRow("status report")
+            << QStringList{"00062A0B919761214365F72211227181502122112271815521" "00"} << "SMS-STATUS-REPORT"
+            << "recipient" << "+79161234567" << "  Message reference: 42";
+    }
+
+    void pduExplain()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, type);
+        QFETCH(QString, key);
+        QFETCH(QString, value);
+        QFETCH(QString, line);
+        const clitest::Result text = run(QStringList{"pdu", "explain"} + args);
+        QCOMPARE(text.exitCode, 0);
+        QVERIFY2(text.out.startsWith(type + '\n'), text.describe());
+        QVERIFY2(text.out.split('\n').contains(line), text.describe());
+
+        bool ok = false;
+        const clitest::Result json = run(QStringList{"pdu", "explain", "--json"} + args);
+        const QJsonObject object = json.json(&ok);
+        QVERIFY2(ok, json.describe());
+        QCOMPARE(object.value("type").toString(), type);
+        QCOMPARE(object.value(key).toString(), value);
     }
 };
 

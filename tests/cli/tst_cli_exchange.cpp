@@ -181,6 +181,58 @@ private slots:
         QVERIFY2(silent.err.contains("not confirmed within 1 s") && silent.err.contains("check before sending again"),
                  silent.describe());
     }
+
+    void interruptReleasesThePort_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("Ctrl-C") << int(SIGINT);
+        QTest::newRow("SIGTERM") << int(SIGTERM);
+    }
+
+    void interruptReleasesThePort()
+    {
+        // The signal comes while the tool waits on a modem that no longer
+        // answers the signal query: it ends at once and leaves no lock behind.
+        QFETCH(int, signal);
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        modem->setFault("+CSQ", zelmodems::sim::Fault::Silence);
+        QProcess tool;
+        tool.setProcessEnvironment(clitest::environment());
+        tool.start(QStringLiteral(ZELMODEMS_PATH), {"signal", modem->devicePath()});
+        QVERIFY(tool.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(!modem->log().isEmpty() && modem->log().last().command == "+CSQ", 20000);
+        QElapsedTimer clock;
+        clock.start();
+        ::kill(pid_t(tool.processId()), signal);
+        QVERIFY(tool.waitForFinished(5000));
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(tool.exitCode(), 128 + signal);
+        // The port's lock file went with it.
+        QString name = modem->devicePath();
+        name = name.mid(name.startsWith("/dev/") ? 5 : 0).replace(QLatin1Char('/'), QLatin1Char('_'));
+        QVERIFY(!QFile::exists(QStringLiteral("/var/lock/LCK..") + name));
+    }
+
+    void ussd()
+    {
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        modem->setUssdReply("*105*1#", Ussd::plain("Tarif: Vse vklyucheno"));
+        const clitest::Result text = run({"ussd", modem->devicePath(), "*105*1#"});
+        QVERIFY2(text.exitCode == 0, text.describe());
+        QCOMPARE(text.out, QStringLiteral("Reply:        Tarif: Vse vklyucheno\n"));
+        const clitest::Result json = run({"ussd", "--json", modem->devicePath(), "*105*1#"});
+        QCOMPARE(json.json().value("reply").toString(), QStringLiteral("Tarif: Vse vklyucheno"));
+        QCOMPARE(json.json().value("code").toString(), QStringLiteral("*105*1#"));
+
+        // The modem refuses the request.
+        modem->setFault("+CUSD=1,\"*106#\",15", Fault::Error);
+        const clitest::Result refused = run({"ussd", modem->devicePath(), "*106#"});
+        QCOMPARE(refused.exitCode, 1);
+        QVERIFY2(refused.err.startsWith("zelmodems ussd: *106#: "), refused.describe());
+        QVERIFY(refused.out.isEmpty());
+    }
 };
 
 QTEST_GUILESS_MAIN(TestCliExchange)
