@@ -1,13 +1,9 @@
 // Recognising a modem's make from its identification text, the dialect
-// texts, the light-weight port test and the Huawei modem-only switch.
+// texts and the Huawei modem-only switch.
 #include "simfixture.h"
 #include "atdialect_p.h"
-#include "atmodemlog_p.h"
-
-#include <QTemporaryDir>
 
 using namespace zelmodems::sim;
-using zmltest::portNameOf;
 using zmltest::startAndOpen;
 
 class TestAtDialect : public QObject

@@ -1,4 +1,4 @@
-// Resetting a modem the way its dialect needs, and preparing it for a dial.
+// Resetting a modem the way its dialect needs.
 // The restart sleeps of the driver are real: only one row pays one of them.
 #include "simfixture.h"
 

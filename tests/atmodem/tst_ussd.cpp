@@ -1,9 +1,8 @@
 // USSD against the simulated modem, per dialect: the payload on the wire,
-// the reply wait, the decoding of "+CUSD" replies and the balance in them.
+// the reply wait and the decoding of "+CUSD" replies.
 #include "simfixture.h"
 
 #include <QTimer>
-#include <QTranslator>
 
 using namespace zelmodems::sim;
 using zmltest::LogRecorder;

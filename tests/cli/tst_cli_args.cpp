@@ -1,12 +1,11 @@
 // zelmodems without modems: argument handling, help, the PDU toolkit
-// commands, missing ports and the wvdialconf runner with stand-in programs.
+// commands and the wvdialconf runner with stand-in programs.
 #include "clifixture.h"
 
 #include "testfiles.h"
 
 #include <QDir>
 #include <QFile>
-#include <QJsonArray>
 #include <QTemporaryDir>
 
 using clitest::run;

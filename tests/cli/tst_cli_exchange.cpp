@@ -17,7 +17,6 @@ using clitest::run;
 using zelmodems::sim::Fault;
 using zelmodems::sim::DeliverPdu;
 using zelmodems::sim::Make;
-using zelmodems::sim::Profile;
 using zelmodems::sim::SimModem;
 using zelmodems::sim::Ussd;
 

@@ -6,7 +6,6 @@
 #include "operatordata.h"
 #include "simmodem.h"
 
-#include <QTimer>
 #include <QtTest>
 
 #include <memory>

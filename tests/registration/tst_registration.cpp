@@ -5,7 +5,6 @@
 #include <qt5ext/appversionmanager.h>
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
