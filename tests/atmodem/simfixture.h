@@ -11,8 +11,6 @@
 #include <QDateTime>
 #include <QFile>
 #include <QList>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QString>
 #include <QTemporaryDir>
 #include <QtTest>

@@ -3,7 +3,6 @@
 #include "clifixture.h"
 #include "pdu.h"
 
-#include <QJsonArray>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QSerialPort>
@@ -37,8 +36,12 @@ private slots:
                                    << "Signal:       unknown (the modem reports no signal)";
         QTest::newRow("no signal, JSON") << QStringList{"signal", "--json"} << QByteArray("+CSQ: 99,99")
                                          << QByteArray() << 0 << "\"signal\": null";
+        QTest::newRow("USSD reply") << QStringList{"ussd", "*100#"} << QByteArray()
+                                    << Ussd::plain("Tarif: Vse vklyucheno") << 0 << "Reply:        Tarif: Vse vklyucheno\n";
         QTest::newRow("USSD not supported") << QStringList{"balance", "--code", "*100#"} << QByteArray()
                                             << Ussd::statusOnly(4) << 1 << "status 4: operation not supported";
+        QTest::newRow("USSD refused") << QStringList{"ussd", "*100#"} << QByteArray() << Ussd::statusOnly(4) << 1
+                                      << "zelmodems ussd: *100#: ";
         QTest::newRow("ended by the network, JSON error")
             << QStringList{"--json", "ussd", "*100#"} << QByteArray() << Ussd::plain("Bye", 15, 2) << 1
             << "\"exitStatus\": 1";
@@ -195,7 +198,7 @@ private slots:
         QFETCH(int, signal);
         auto modem = clitest::startModem(Make::Cinterion);
         QVERIFY(modem);
-        modem->setFault("+CSQ", zelmodems::sim::Fault::Silence);
+        modem->setFault("+CSQ", Fault::Silence);
         QProcess tool;
         tool.setProcessEnvironment(clitest::environment());
         tool.start(QStringLiteral(ZELMODEMS_PATH), {"signal", modem->devicePath()});
@@ -211,26 +214,6 @@ private slots:
         QString name = modem->devicePath();
         name = name.mid(name.startsWith("/dev/") ? 5 : 0).replace(QLatin1Char('/'), QLatin1Char('_'));
         QVERIFY(!QFile::exists(QStringLiteral("/var/lock/LCK..") + name));
-    }
-
-    void ussd()
-    {
-        auto modem = clitest::startModem(Make::Cinterion);
-        QVERIFY(modem);
-        modem->setUssdReply("*105*1#", Ussd::plain("Tarif: Vse vklyucheno"));
-        const clitest::Result text = run({"ussd", modem->devicePath(), "*105*1#"});
-        QVERIFY2(text.exitCode == 0, text.describe());
-        QCOMPARE(text.out, QStringLiteral("Reply:        Tarif: Vse vklyucheno\n"));
-        const clitest::Result json = run({"ussd", "--json", modem->devicePath(), "*105*1#"});
-        QCOMPARE(json.json().value("reply").toString(), QStringLiteral("Tarif: Vse vklyucheno"));
-        QCOMPARE(json.json().value("code").toString(), QStringLiteral("*105*1#"));
-
-        // The modem refuses the request.
-        modem->setFault("+CUSD=1,\"*106#\",15", Fault::Error);
-        const clitest::Result refused = run({"ussd", modem->devicePath(), "*106#"});
-        QCOMPARE(refused.exitCode, 1);
-        QVERIFY2(refused.err.startsWith("zelmodems ussd: *106#: "), refused.describe());
-        QVERIFY(refused.out.isEmpty());
     }
 };
 

@@ -63,45 +63,6 @@ private slots:
               QStringLiteral("Demo finished: 8 commands, all succeeded.")})
             QVERIFY2(lines.contains(expected), qPrintable(expected + "\n" + r.describe()));
     }
-
-    void demoJson()
-    {
-        bool ok = false;
-        const clitest::Result r = run({"demo", "--json"});
-        const QJsonObject demo = r.json(&ok);
-        QVERIFY2(r.exitCode == 0 && ok, r.describe());
-        QCOMPARE(demo.value("simulatedPorts").toArray().size(), 4);
-        const QJsonArray steps = demo.value("steps").toArray();
-        QStringList commands;
-        for (const QJsonValue& step : steps) {
-            commands << step.toObject().value("command").toString();
-            QCOMPARE(step.toObject().value("exitCode").toInt(), 0);
-        }
-        QCOMPARE(commands, (QStringList{"zelmodems find", "zelmodems info ttyS1", "zelmodems balance ttyS1",
-                                        "zelmodems sms list ttyS1", "zelmodems info ttyUSB1",
-                                        "zelmodems balance ttyUSB1", "zelmodems own-number ttyUSB1",
-                                        "zelmodems sms list ttyUSB1"}));
-
-        const QJsonArray modems = steps.at(0).toObject().value("result").toObject().value("modems").toArray();
-        QCOMPARE(modems.size(), 2);
-        const QJsonObject usb = modems.at(1).toObject();
-        QCOMPARE(usb.value("portName").toString(), QStringLiteral("ttyUSB0"));
-        QCOMPARE(usb.value("cmdPortName").toString(), QStringLiteral("ttyUSB1"));
-
-        const QJsonObject info = steps.at(4).toObject().value("result").toObject();
-        QCOMPARE(info.value("mnc").toInt(), 2);
-        QCOMPARE(info.value("dialect").toString(), QStringLiteral("HUAWEI"));
-
-        const QJsonArray messages =
-            steps.at(7).toObject().value("result").toObject().value("messages").toArray();
-        QCOMPARE(messages.size(), 3);
-        QCOMPARE(messages.at(0).toObject().value("sender").toString(), QStringLiteral("MegaFon"));
-        QCOMPARE(messages.at(2).toObject().value("text").toString(),
-                 QStringLiteral("The router in the cabinet is back online."));
-        for (int i = 1; i < messages.size(); ++i)
-            QVERIFY(messages.at(i - 1).toObject().value("dateTime").toString()
-                    <= messages.at(i).toObject().value("dateTime").toString());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestCliFind)

@@ -37,6 +37,16 @@ private slots:
         QVERIFY(m_huawei && m_cinterion && m_simcom);
     }
 
+    // The summary of one modem: what it says, and the operator table's entry.
+    void info()
+    {
+        const clitest::Result r = run({"info", port("huawei")});
+        QVERIFY2(r.exitCode == 0 && r.err.isEmpty(), r.describe());
+        for (const char* expected : {"MCC/MNC:      250/02", "Table entry:  Мегафон", "Own number:   *205# (USSD reply)",
+                                     "SIM id:       89072143658709214365"})
+            QVERIFY2(lines(r).contains(QString::fromUtf8(expected)), qPrintable(expected + ("\n" + r.describe())));
+    }
+
     void signal()
     {
         // -85 dBm is the weakest level still rated good.

@@ -1,10 +1,6 @@
 // The platform stand-ins: the behaviour the library relies on.
-#include <qt5ext/appversionmanager.h>
-#include <qt5ext/initconfig.h>
-#include <qt5ext/logformat.h>
 #include <qt5ext/sysutils.h>
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -16,13 +12,6 @@ class TestPlatform : public QObject
 
 private:
     QTemporaryDir m_lockDir;
-
-    static void writeFile(const QString& path, const QByteArray& data)
-    {
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(data);
-    }
 
 private slots:
     void initTestCase()
@@ -62,9 +51,8 @@ private slots:
         const QString lock = qt5ext::SysUtils::portLockFile(QStringLiteral("ttyUSB7"));
         QFile::remove(lock);
         if (!content.isEmpty()) {
-            writeFile(lock, content);
             QFile file(lock);
-            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush());
             QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds), QFileDevice::FileModificationTime));
         }
         QCOMPARE(qt5ext::SysUtils::unlockPort(QStringLiteral("/dev/ttyUSB7"), force), result);

@@ -120,7 +120,6 @@ void TestSmsPduDecoder::decodesFields_data()
         "07919761989901F00004B1BADC" "0004" + STAMP_OCTETS + "024142", "AB", "+abcd");
     // Septet 0 is '@' in the default alphabet; the text ends there.
     row("7-bit text ends at septet 0", HEAD + "0000" + STAMP_OCTETS + "03418010", "A");
-    row("7-bit text that starts with septet 0 is empty", HEAD + "0000" + STAMP_OCTETS + "0380A010", "");
     // No alphabet table: septet 0x02 ('$' in GSM) stays character 2.
     row("no alphabet table", HEAD + "0000" + STAMP_OCTETS + "024201", QString::fromLatin1("B\x02"));
     row("8-bit text ends at zero byte", HEAD + "0004" + STAMP_OCTETS + "0441420043", "AB");

@@ -1,4 +1,6 @@
-# Script run by ctest: install, then build and run consumers.
+# Run by tools/check-install.sh: installs the build tree into a scratch
+# prefix, checks the installed layout, then builds the programs of
+# examples/consumer against it (find_package and pkg-config) and runs them.
 file(REMOVE_RECURSE "${WORK_DIR}")
 set(PREFIX "${WORK_DIR}/prefix")
 
