@@ -12,16 +12,33 @@ function(run)
     set(LAST_OUTPUT "${out}" PARENT_SCOPE)
 endfunction()
 
+# Runs a program of the install (the command after `pattern`) and fails
+# unless what it printed matches `pattern`.
+function(run_printing what pattern)
+    run(${ARGN})
+    message(STATUS "${what}: ${LAST_OUTPUT}")
+    if(NOT LAST_OUTPUT MATCHES "${pattern}")
+        message(FATAL_ERROR "${what} printed: ${LAST_OUTPUT}")
+    endif()
+endfunction()
+
+# The version the build tree made, as its library file and programs name it.
+if(NOT VERSION MATCHES "^[0-9]+\\.[0-9]+\\.[0-9]+$")
+    message(FATAL_ERROR "no version of the build tree given (VERSION=${VERSION})")
+endif()
+string(REPLACE "." "\\." VERSION_PATTERN "${VERSION}")
+string(REGEX REPLACE "\\..*" "" MAJOR "${VERSION}")
+
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${PREFIX}")
 
 # Layout of the installed files.
-file(GLOB libs "${PREFIX}/lib*/libzelmodemslib.so.5.0.28" "${PREFIX}/lib/*/libzelmodemslib.so.5.0.28")
+file(GLOB libs "${PREFIX}/lib*/libzelmodemslib.so.${VERSION}" "${PREFIX}/lib/*/libzelmodemslib.so.${VERSION}")
 if(NOT libs)
-    message(FATAL_ERROR "libzelmodemslib.so.5.0.28 was not installed")
+    message(FATAL_ERROR "libzelmodemslib.so.${VERSION} was not installed")
 endif()
 list(GET libs 0 lib)
 get_filename_component(LIBDIR "${lib}" DIRECTORY)
-foreach(f libzelmodemslib.so.5 libzelmodemslib.so pkgconfig/zelmodemslib.pc
+foreach(f libzelmodemslib.so.${MAJOR} libzelmodemslib.so pkgconfig/zelmodemslib.pc
           cmake/ZelModemsLib/ZelModemsLibConfig.cmake cmake/ZelModemsLib/ZelModemsLibConfigVersion.cmake)
     if(NOT EXISTS "${LIBDIR}/${f}")
         message(FATAL_ERROR "${LIBDIR}/${f} was not installed")
@@ -31,7 +48,7 @@ if(NOT EXISTS "${PREFIX}/include/zelmodemslib/zelmodemslib.h")
     message(FATAL_ERROR "public headers were not installed to include/zelmodemslib")
 endif()
 run(objdump -p "${lib}")
-if(NOT LAST_OUTPUT MATCHES "SONAME +libzelmodemslib\\.so\\.5\n")
+if(NOT LAST_OUTPUT MATCHES "SONAME +libzelmodemslib\\.so\\.${MAJOR}\n")
     message(FATAL_ERROR "wrong SONAME:\n${LAST_OUTPUT}")
 endif()
 
@@ -41,31 +58,21 @@ unset(ENV{LD_LIBRARY_PATH})
 
 # The installed tool starts from the prefix.
 if(EXISTS "${PREFIX}/bin/zelmodems")
-    run("${PREFIX}/bin/zelmodems" --help)
-    if(NOT LAST_OUTPUT MATCHES "zelmodems")
-        message(FATAL_ERROR "installed zelmodems --help printed: ${LAST_OUTPUT}")
-    endif()
+    run_printing("installed zelmodems --help" "zelmodems" "${PREFIX}/bin/zelmodems" --help)
 endif()
 
 # find_package consumer.
 run(${CMAKE_COMMAND} -S "${PROJECT_DIR}" -B "${WORK_DIR}/build" -DCMAKE_PREFIX_PATH=${PREFIX}
     -DCMAKE_BUILD_TYPE=Release)
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
-run("${WORK_DIR}/build/consumer")
-message(STATUS "find_package consumer: ${LAST_OUTPUT}")
-if(NOT LAST_OUTPUT MATCHES "zelmodemslib 5\\.0\\.28")
-    message(FATAL_ERROR "consumer printed: ${LAST_OUTPUT}")
-endif()
+run_printing("find_package consumer" "zelmodemslib ${VERSION_PATTERN}" "${WORK_DIR}/build/consumer")
 
 # A service's test on the installed simulator: modems found through a
 # declared-ports catalogue and queried.
 set(ENV{QT5EXT_LOCK_DIR} "${WORK_DIR}/locks")
 file(MAKE_DIRECTORY "${WORK_DIR}/locks")
-run("${WORK_DIR}/build/simfinder")
-message(STATUS "simulator consumer: ${LAST_OUTPUT}")
-if(NOT LAST_OUTPUT STREQUAL "found ttyS1 861234567890123\nfound ttyUSB0 866123456789012\nsignal -73\n")
-    message(FATAL_ERROR "simulator consumer printed: ${LAST_OUTPUT}")
-endif()
+run_printing("simulator consumer" "^found ttyS1 861234567890123\nfound ttyUSB0 866123456789012\nsignal -73\n$"
+    "${WORK_DIR}/build/simfinder")
 
 # pkg-config consumer.
 set(ENV{PKG_CONFIG_PATH} "${LIBDIR}/pkgconfig")
@@ -79,7 +86,4 @@ separate_arguments(flags UNIX_COMMAND "${flags}")
 # itself, as any program built on pkg-config flags does.
 run(${CXX} -std=c++17 -fPIC "${PROJECT_DIR}/main.cpp" -o "${WORK_DIR}/consumer-pc" ${flags}
     "-Wl,-rpath,${LIBDIR}")
-run("${WORK_DIR}/consumer-pc")
-if(NOT LAST_OUTPUT MATCHES "zelmodemslib 5\\.0\\.28")
-    message(FATAL_ERROR "pkg-config consumer printed: ${LAST_OUTPUT}")
-endif()
+run_printing("pkg-config consumer" "zelmodemslib ${VERSION_PATTERN}" "${WORK_DIR}/consumer-pc")

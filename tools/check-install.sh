@@ -13,7 +13,8 @@ root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="$(cd "${1:-$root/build}" && pwd)"
 scratch="$(mktemp -d)"
 trap 'rm -rf "$scratch"' EXIT
-cxx="$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build/CMakeCache.txt")"
+cache() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
 cmake -DBUILD_DIR="$build" -DPROJECT_DIR="$root/examples/consumer" -DWORK_DIR="$scratch/work" \
-      -DCXX="${cxx:-c++}" -P "$root/tools/check-install.cmake"
+      -DCXX="$(cache CMAKE_CXX_COMPILER)" -DVERSION="$(cache CMAKE_PROJECT_VERSION)" \
+      -P "$root/tools/check-install.cmake"
 echo "check-install: passed"
