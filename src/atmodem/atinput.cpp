@@ -53,6 +53,20 @@ QString AtInput::checkNumber(const QString& number)
     return QString();
 }
 
+QString AtInput::checkRecipient(const QString& number)
+{
+    if (number.isEmpty())
+        return tr("the number is empty");
+    for (int i = 0; i < number.size(); ++i) {
+        const QChar c = number.at(i);
+        if ((c.isDigit() && c.unicode() < 0x80) || (c == QLatin1Char('+') && i == 0))
+            continue;
+        return isControl(c) ? tr("the number holds the control character %1").arg(codeOf(c))
+                            : tr("the number holds \"%1\"; a recipient is digits after an optional +").arg(c);
+    }
+    return number == QLatin1String("+") ? tr("the number has no digits") : QString();
+}
+
 QString AtInput::checkUssdCode(const QString& code)
 {
     if (code.isEmpty())

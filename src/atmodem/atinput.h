@@ -23,6 +23,8 @@ public:
     static QString checkArgument(const QString& value);
     // A telephone number: an optional leading "+", then digits, "*" and "#".
     static QString checkNumber(const QString& number);
+    // An SMS recipient for text mode: ASCII digits after an optional "+".
+    static QString checkRecipient(const QString& number);
     // A USSD code: printable characters, no double quote.
     static QString checkUssdCode(const QString& code);
     // An SMS text: line breaks are text; Ctrl-Z, ESC and the other control

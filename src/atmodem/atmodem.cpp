@@ -1,5 +1,6 @@
 // The modem driver: opening and closing the port, and the AT command channel.
 #include "atmodem_p.h"
+#include "portlock.h"
 #include "resultcodescanner_p.h"
 
 AtModem::AtModem(QObject* parent) : QObject(parent)
@@ -21,6 +22,11 @@ bool AtModem::open(const QString& portName, qint32 baudRate, qint32 attempts)
         m_lastError.clear();
         close();
         unlockPort(portName);
+
+        // A port that a running program holds (pppd on the data port, a
+        // terminal program) is not ours: opening it would take its lock.
+        if (refuseHeldPort(portName))
+            return false;
 
         if (!m_port)
             m_port = new QSerialPort(this);
@@ -94,11 +100,23 @@ bool AtModem::unlockPort(const QString& portName)
     return qt5ext::SysUtils::unlockPort(portName, false);
 }
 
+bool AtModem::refuseHeldPort(const QString& portName)
+{
+    const zelmodems::PortLock lock = zelmodems::PortLock::of(portName);
+    if (!lock.isHeld())
+        return false;
+    m_lastError = tr("Port opening error: %1 is in use by another program (%2)").arg(portName, lock.holder());
+    qCCritical(AT_MODEM()).noquote() << m_lastError << logtab << lock.file();
+    return true;
+}
+
 bool AtModem::test(const QString& portName, qint32 baudRate)
 {
     m_lastError.clear();
     close();
     unlockPort(portName);
+    if (refuseHeldPort(portName))
+        return false;
 
     if (!m_port)
         m_port = new QSerialPort(this);
@@ -272,6 +290,15 @@ bool AtModem::sendRawCommand(const QByteArray& data, QByteArray& answer, int tim
     while (timeoutMs > clock.elapsed()) {
         if (!readCycle(answer, step, false))
             return false;
+        if (answer.size() > MAX_ANSWER_BYTES) {
+            // A device that floods the line must not hold the caller's memory.
+            m_lastError = tr("The answer ran past %1 bytes without a result code: not a modem's answer")
+                              .arg(MAX_ANSWER_BYTES);
+            qCWarning(AT_MODEM()).noquote() << m_lastError;
+            answer.truncate(MAX_ANSWER_BYTES);
+            discardInput();
+            return false;
+        }
         if (!scanner.found(answer))
             continue;
         const int ok = answer.indexOf("OK");

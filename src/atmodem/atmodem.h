@@ -16,6 +16,7 @@ class QSerialPort;
 
 namespace zelmodems {
 class UssdRequest;
+class LineChannel;
 }
 
 // One modem on one serial port, spoken to in AT commands.
@@ -175,6 +176,7 @@ public:
 private:
     // Sends the same USSD request and reads the same reply, keeping its status.
     friend class zelmodems::UssdRequest;
+    friend class zelmodems::LineChannel;
 
     // Why a wait for the modem ended.
     enum class Wait { Matched, TimedOut, PortGone };
@@ -198,10 +200,15 @@ private:
     void failCommand(const QByteArray& command, const QByteArray& answer);
     // Input that would end or escape the command line: nothing is sent.
     bool refuseInput(const QString& what, const QString& why);
+    // True, with the last error naming the holder, when a running program
+    // holds `portName` by its lock file.
+    bool refuseHeldPort(const QString& portName);
     void setLine(qint32 baudRate);
     // Composes and sends AT+CUSD with the payload and time-out the dialect
     // needs (with ZTE's one retry); `answer` gets the modem's answer.
     bool requestUssd(const char* prefix, const QString& code, QByteArray& answer);
+    // The USSD request line for this modem's dialect, and its time-out.
+    QByteArray ussdCommand(const char* prefix, const QString& code, int& timeoutMs) const;
     // One pass of the USSD reply wait: a second's pause, then whatever the
     // port holds (up to ten reads of 1024 bytes, 100 ms apart) appended.
     void waitForUssd(int attempt, QByteArray& buffer);

@@ -1,5 +1,6 @@
 // The modem driver: recognising the modem's make (its dialect) and resetting it.
 #include "atmodem_p.h"
+#include "portlock.h"
 
 // ---------------------------------------------------------------- dialects
 
@@ -83,6 +84,17 @@ QString AtModem::gsmDialect() const
 
 bool AtModem::reset(bool full)
 {
+    // A restart would cut off another program that has taken the port
+    // meanwhile (our own lock is the open port's, and names this process).
+    if (m_port) {
+        const zelmodems::PortLock lock = zelmodems::PortLock::of(m_port->portName());
+        if (lock.isHeld() && lock.pid() != QCoreApplication::applicationPid()) {
+            m_lastError = tr("Port opening error: %1 is in use by another program (%2)")
+                              .arg(m_port->portName(), lock.holder());
+            qCCritical(AT_MODEM()).noquote() << m_lastError;
+            return false;
+        }
+    }
     if (full)
         qWarning("RESET MODEM");
     enableLocalEcho(false);

@@ -4,6 +4,29 @@
 
 // ---------------------------------------------------------------- USSD and balance
 
+QByteArray AtModem::ussdCommand(const char* prefix, const QString& code, int& timeoutMs) const
+{
+    QByteArray command = QByteArray(prefix) + ",\"";
+    timeoutMs = SHORT_TIMEOUT_MS;
+    switch (m_dialect) {
+    case HUAWEI:
+        // Huawei sticks take the string packed in GSM 7-bit septets and
+        // written in hexadecimal.
+        command += SmsPduEncoder::encode(code.toLatin1(), ' ').toHex();
+        break;
+    case ZTE:
+    case SIM_COM:
+        // Both wait for the network before their OK.
+        command += code.toUtf8();
+        timeoutMs = USSD_SLOW_TIMEOUT_MS;
+        break;
+    default:
+        command += code.toUtf8();
+        break;
+    }
+    return command + "\",15";   // GSM 7-bit default alphabet
+}
+
 bool AtModem::requestUssd(const char* prefix, const QString& code, QByteArray& answer)
 {
     // A CR or a quote in the code would end the command early and run the
@@ -15,31 +38,13 @@ bool AtModem::requestUssd(const char* prefix, const QString& code, QByteArray& a
         return false;
     enableLocalEcho(false);
 
-    QByteArray command = QByteArray(prefix) + ",\"";
-    int timeoutMs = SHORT_TIMEOUT_MS;
-    switch (m_dialect) {
-    case HUAWEI:
-        // Huawei sticks take the string packed in GSM 7-bit septets and
-        // written in hexadecimal.
-        command += SmsPduEncoder::encode(code.toLatin1(), ' ').toHex();
-        break;
-    case ZTE:
-        command += code.toUtf8();
-        timeoutMs = USSD_SLOW_TIMEOUT_MS;
-        break;
-    case SIM_COM: {
+    if (m_dialect == SIM_COM) {
         // SIMCOM presents replies in the modem's character set: make it GSM.
         QByteArray ignored;
         sendCommand(AT::Commands::SimCom::CSCS, ignored, SHORT_TIMEOUT_MS);
-        command += code.toUtf8();
-        timeoutMs = USSD_SLOW_TIMEOUT_MS;
-        break;
     }
-    default:
-        command += code.toUtf8();
-        break;
-    }
-    command += "\",15";   // GSM 7-bit default alphabet
+    int timeoutMs = SHORT_TIMEOUT_MS;
+    const QByteArray command = ussdCommand(prefix, code, timeoutMs);
 
     if (sendCommand(command, answer, timeoutMs))
         return true;
@@ -238,8 +243,10 @@ bool AtModem::takeMessages(QList<AtModem::SSms>& messages)
 bool AtModem::sendMessage(const QString& number, const QString& text)
 {
     // The number goes unquoted on the command line and the text ends at the
-    // first Ctrl-Z: either could carry a command of its own to the modem.
-    QString unsafe = zelmodems::AtInput::checkArgument(number);
+    // first Ctrl-Z: either could carry a command of its own to the modem
+    // (";+CMGD=1,4" after the number is one). A recipient is digits with
+    // an optional leading "+", and nothing else reaches the modem.
+    QString unsafe = zelmodems::AtInput::checkRecipient(number);
     if (!unsafe.isEmpty())
         return refuseInput(tr("number"), unsafe);
     unsafe = zelmodems::AtInput::checkSmsText(text);

@@ -3,6 +3,7 @@
 
 #include "atmodem.h"
 #include "atmodemlog_p.h"
+#include "linechannel_p.h"
 
 #include <QCoreApplication>
 
@@ -110,26 +111,22 @@ public:
         return false;
     }
 
-    // The modem's reason: its error line when it gave one, else the driver's.
-    QString reason(const QByteArray& answer) const
+    // PDU mode, then the store in use ("SM", "ME"; empty when the modem
+    // does not say). False, with the error set, when PDU mode is refused.
+    bool prepare(LineChannel& channel, QString& storage)
     {
-        for (const QByteArray& line : lines(answer)) {
-            if (line.contains("ERROR"))
-                return QString::fromLatin1(line);
+        const LineChannel::Answer mode = channel.command("+CMGF=0", SHORT_TIMEOUT_MS);
+        if (!mode.ok())
+            return fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(mode.reason()));
+        const LineChannel::Answer store = channel.command("+CPMS?", SHORT_TIMEOUT_MS);
+        storage.clear();
+        for (const QByteArray& line : store.lines) {
+            if (store.ok() && line.startsWith("+CPMS:")) {
+                storage = QString::fromLatin1(fields(line.mid(6)).value(0));
+                break;
+            }
         }
-        return modem->lastError().isEmpty() ? tr("no answer") : modem->lastError();
-    }
-
-    QString currentStorage()
-    {
-        QByteArray answer;
-        if (!modem->sendCommand("+CPMS?", answer, SHORT_TIMEOUT_MS))
-            return QString();
-        const int at = answer.indexOf("+CPMS:");
-        if (at < 0)
-            return QString();
-        const QByteArray line = lines(answer.mid(at + 6)).value(0);
-        return QString::fromLatin1(fields(line).value(0));
+        return true;
     }
 };
 
@@ -180,18 +177,20 @@ bool MessageStore::list(QList<StoredPdu>& entries)
 {
     entries.clear();
     d->lastError.clear();
-    QByteArray answer;
-    if (!d->modem->sendCommand("+CMGF=0", answer, SHORT_TIMEOUT_MS))
-        return d->fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(d->reason(answer)));
-    const QString storage = d->currentStorage();
-    const bool ended = d->modem->sendCommand("+CMGL=4", answer, LIST_TIMEOUT_MS);
+    // Result codes count only as lines of their own, so an "OK" inside a
+    // name or a text, or a RING between two entries, never cuts the list.
+    LineChannel channel(d->modem);
+    QString storage;
+    if (!d->prepare(channel, storage))
+        return false;
+    const LineChannel::Answer answer = channel.command("+CMGL=4", LIST_TIMEOUT_MS);
     QString error;
-    if (!parseListing(answer, entries, &error))
+    if (!parseListing(answer.text(), entries, &error))
         return d->fail(error);
     for (StoredPdu& entry : entries)
         entry.setStorage(storage);
-    if (!ended)
-        return d->fail(tr("the listing did not end (AT+CMGL=4): %1").arg(d->reason(answer)));
+    if (!answer.ok())
+        return d->fail(tr("the listing did not end (AT+CMGL=4): %1").arg(answer.reason()));
     return true;
 }
 
@@ -201,13 +200,14 @@ bool MessageStore::read(int index, StoredPdu& entry)
     d->lastError.clear();
     if (index < 0 || index > MaxIndex)
         return d->fail(tr("%1 is not a store index").arg(index));
-    QByteArray answer;
-    if (!d->modem->sendCommand("+CMGF=0", answer, SHORT_TIMEOUT_MS))
-        return d->fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(d->reason(answer)));
-    const QString storage = d->currentStorage();
-    if (!d->modem->sendCommand("+CMGR=" + QByteArray::number(index), answer, SHORT_TIMEOUT_MS))
-        return d->fail(tr("reading message %1 failed: %2").arg(index).arg(d->reason(answer)));
-    const QList<QByteArray> all = lines(answer);
+    LineChannel channel(d->modem);
+    QString storage;
+    if (!d->prepare(channel, storage))
+        return false;
+    const LineChannel::Answer answer = channel.command("+CMGR=" + QByteArray::number(index), SHORT_TIMEOUT_MS);
+    if (!answer.ok())
+        return d->fail(tr("reading message %1 failed: %2").arg(index).arg(answer.reason()));
+    const QList<QByteArray>& all = answer.lines;
     for (int i = 0; i + 1 < all.size(); ++i) {
         if (all.at(i).startsWith("+CMGR:") && isHexLine(all.at(i + 1))) {
             entry.setIndex(index);
@@ -225,9 +225,10 @@ bool MessageStore::remove(int index)
     d->lastError.clear();
     if (index < 0 || index > MaxIndex)
         return d->fail(tr("%1 is not a store index").arg(index));
-    QByteArray answer;
-    if (!d->modem->sendCommand("+CMGD=" + QByteArray::number(index), answer, SHORT_TIMEOUT_MS))
-        return d->fail(tr("deleting message %1 failed: %2").arg(index).arg(d->reason(answer)));
+    LineChannel channel(d->modem);
+    const LineChannel::Answer answer = channel.command("+CMGD=" + QByteArray::number(index), SHORT_TIMEOUT_MS);
+    if (!answer.ok())
+        return d->fail(tr("deleting message %1 failed: %2").arg(index).arg(answer.reason()));
     return true;
 }
 

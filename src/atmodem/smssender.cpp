@@ -4,6 +4,7 @@
 #include "atinput.h"
 #include "atmodem.h"
 #include "atmodemlog_p.h"
+#include "linechannel_p.h"
 #include "pdu.h"
 
 #include <QCoreApplication>
@@ -14,9 +15,10 @@ namespace zelmodems {
 namespace {
 
 const int SHORT_TIMEOUT_MS = 1000;
-// The "> " prompt is no result code, so its command always runs to this
-// time-out; modems prompt within a few tens of milliseconds.
-const int PROMPT_TIMEOUT_MS = 500;
+// Modems prompt for the PDU within a few tens of milliseconds.
+const int PROMPT_TIMEOUT_MS = 5000;
+// ESC ends message entry; the modem answers it at once.
+const int ESCAPE_TIMEOUT_MS = 1000;
 
 QString tr(const char* text)
 {
@@ -34,6 +36,16 @@ public:
     int partCount = 0;
     bool unconfirmed = false;
     QString lastError;
+    QList<SmsSender::PartState> states;
+    int errorCode = -1;
+    std::function<void(int, SmsSender::PartState, int)> handler;
+
+    void setState(int part, SmsSender::PartState state, int reference = -1)
+    {
+        states[part - 1] = state;
+        if (handler)
+            handler(part, state, reference);
+    }
 
     bool fail(const QString& error)
     {
@@ -53,13 +65,13 @@ public:
         return tr(" (parts 1 to %1 were sent, references %2)").arg(part - 1).arg(refs.join(QLatin1String(", ")));
     }
 
-    static QString reason(const QByteArray& answer, const QString& fallback)
+    // The modem's refusal with its meaning: "+CMS ERROR: 38 (network out of order)".
+    static QString refusal(const LineChannel::Answer& answer)
     {
-        for (const QByteArray& line : answer.split('\n')) {
-            if (line.contains("ERROR"))
-                return QString::fromLatin1(line.trimmed());
-        }
-        return fallback;
+        const int code = answer.errorCode();
+        if (code < 0)
+            return answer.reason();
+        return QStringLiteral("%1 (%2)").arg(answer.reason(), SmsSender::errorMeaning(code));
     }
 };
 
@@ -100,12 +112,106 @@ QString SmsSender::lastError() const
     return d->lastError;
 }
 
+QList<SmsSender::PartState> SmsSender::partStates() const
+{
+    return d->states;
+}
+
+int SmsSender::errorCode() const
+{
+    return d->errorCode;
+}
+
+void SmsSender::setPartHandler(const std::function<void(int, PartState, int)>& handler)
+{
+    d->handler = handler;
+}
+
+QString SmsSender::stateName(PartState state)
+{
+    switch (state) {
+    case Sent: return QStringLiteral("sent");
+    case Refused: return QStringLiteral("refused");
+    case Unconfirmed: return QStringLiteral("unconfirmed");
+    case NotSent: break;
+    }
+    return QStringLiteral("not sent");
+}
+
+QString SmsSender::errorMeaning(int code)
+{
+    switch (code) {
+    // Network causes (TS 24.011 8.2.5.4) and TP-FCS (TS 23.040 9.2.3.22).
+    case 1: return tr("unassigned (unallocated) number");
+    case 8: return tr("operator determined barring");
+    case 10: return tr("call barred");
+    case 21: return tr("short message transfer rejected");
+    case 27: return tr("destination out of service");
+    case 28: return tr("unidentified subscriber");
+    case 29: return tr("facility rejected");
+    case 30: return tr("unknown subscriber");
+    case 38: return tr("network out of order");
+    case 41: return tr("temporary failure");
+    case 42: return tr("congestion");
+    case 47: return tr("resources unavailable");
+    case 50: return tr("requested facility not subscribed");
+    case 69: return tr("requested facility not implemented");
+    case 81: return tr("invalid short message transfer reference value");
+    case 95: return tr("invalid message");
+    case 96: return tr("invalid mandatory information");
+    case 97: return tr("message type non-existent or not implemented");
+    case 98: return tr("message not compatible with short message protocol state");
+    case 99: return tr("information element non-existent or not implemented");
+    case 111: return tr("protocol error");
+    case 127: return tr("interworking error");
+    case 128: return tr("telematic interworking not supported");
+    case 176: return tr("TPDU not supported");
+    case 192: return tr("SC busy");
+    case 193: return tr("no SC subscription");
+    case 194: return tr("SC system failure");
+    case 195: return tr("invalid SME address");
+    case 196: return tr("destination SME barred");
+    case 208: return tr("SIM SMS storage full");
+    case 255: return tr("unspecified error cause");
+    // TS 27.005 3.2.5.
+    case 300: return tr("ME failure");
+    case 301: return tr("SMS service of ME reserved");
+    case 302: return tr("operation not allowed");
+    case 303: return tr("operation not supported");
+    case 304: return tr("invalid PDU mode parameter");
+    case 305: return tr("invalid text mode parameter");
+    case 310: return tr("SIM not inserted");
+    case 311: return tr("SIM PIN required");
+    case 312: return tr("PH-SIM PIN required");
+    case 313: return tr("SIM failure");
+    case 314: return tr("SIM busy");
+    case 315: return tr("SIM wrong");
+    case 316: return tr("SIM PUK required");
+    case 317: return tr("SIM PIN2 required");
+    case 318: return tr("SIM PUK2 required");
+    case 320: return tr("memory failure");
+    case 321: return tr("invalid memory index");
+    case 322: return tr("memory full");
+    case 330: return tr("SMSC address unknown");
+    case 331: return tr("no network service");
+    case 332: return tr("network timeout");
+    case 340: return tr("no +CNMA acknowledgement expected");
+    case 500: return tr("unknown error");
+    default: break;
+    }
+    if (code >= 512)
+        return tr("manufacturer specific");
+    return tr("unknown cause");
+}
+
 bool SmsSender::send(const QString& number, const QString& text)
 {
     d->references.clear();
     d->partCount = 0;
     d->unconfirmed = false;
     d->lastError.clear();
+    d->states.clear();
+    d->errorCode = -1;
 
     QString problem = AtInput::checkNumber(number);
     if (problem.isEmpty())
@@ -117,41 +223,72 @@ bool SmsSender::send(const QString& number, const QString& text)
     if (parts.isEmpty())
         return d->fail(tr("refused, nothing sent: %1").arg(error));
     d->partCount = parts.size();
+    for (int i = 0; i < parts.size(); ++i)
+        d->states << NotSent;
 
-    QByteArray answer;
-    if (!d->modem->sendCommand("+CMGF=0", answer, SHORT_TIMEOUT_MS))
-        return d->fail(tr("the modem refused PDU mode (AT+CMGF=0): %1")
-                           .arg(SmsSenderPrivate::reason(answer, d->modem->lastError())));
+    LineChannel channel(d->modem);
+    const LineChannel::Answer mode = channel.command("+CMGF=0", SHORT_TIMEOUT_MS);
+    if (!mode.ok())
+        return d->fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(mode.reason()));
 
-    static const QRegularExpression confirmation(QStringLiteral("\\+CMGS:\\s*(\\d+)"));
     for (int i = 0; i < parts.size(); ++i) {
         const PDU& part = parts.at(i);
         const int number1 = i + 1;
-        d->modem->sendCommand("+CMGS=" + QByteArray::number(part.tpduLength()), answer, PROMPT_TIMEOUT_MS);
-        if (!answer.contains('>'))
-            return d->fail(tr("part %1 of %2: the modem gave no prompt for the PDU: %3%4")
+        const LineChannel::Answer prompt =
+            channel.command("+CMGS=" + QByteArray::number(part.tpduLength()), PROMPT_TIMEOUT_MS, true);
+        if (prompt.end != LineChannel::End::Prompt) {
+            // A prompt that comes late would leave the modem taking the next
+            // command as message text: ESC ends message entry unsent.
+            if (prompt.end != LineChannel::End::Final && prompt.end != LineChannel::End::PortGone)
+                channel.write("\x1B", ESCAPE_TIMEOUT_MS);
+            d->errorCode = prompt.errorCode();
+            return d->fail(tr("part %1 of %2: the modem gave no prompt for the PDU, nothing of it was sent: %3%4")
                                .arg(number1).arg(parts.size())
-                               .arg(SmsSenderPrivate::reason(answer, d->modem->lastError()))
+                               .arg(SmsSenderPrivate::refusal(prompt))
                                .arg(d->sentSoFar(number1)));
-        const bool ended = d->modem->sendRawCommand(part.toHex().toLatin1() + "\x1A", answer, d->confirmTimeoutMs);
-        const QRegularExpressionMatch match = confirmation.match(QString::fromLatin1(answer));
-        if (ended && match.hasMatch()) {
-            d->references.append(match.captured(1).toInt());
-            continue;
+        }
+        const LineChannel::Answer answer = channel.write(part.toHex().toLatin1() + "\x1A", d->confirmTimeoutMs);
+        if (answer.ok()) {
+            int reference = -1;
+            for (const QByteArray& line : answer.lines) {
+                if (line.startsWith("+CMGS:")) {
+                    bool ok = false;
+                    reference = line.mid(6).trimmed().toInt(&ok);
+                    if (!ok)
+                        reference = -1;
+                }
+            }
+            if (reference >= 0) {
+                d->references.append(reference);
+                d->setState(number1, Sent, reference);
+                continue;
+            }
+        }
+        if (answer.end == LineChannel::End::Final) {
+            // ERROR, +CMS ERROR: the message will not arrive; OK without a
+            // reference is no confirmation either, and is said as it is.
+            d->errorCode = answer.errorCode();
+            d->setState(number1, answer.ok() ? Unconfirmed : Refused);
+            if (answer.ok()) {
+                d->unconfirmed = true;
+                return d->fail(tr("part %1 of %2: the modem said OK without a message reference — it may "
+                                  "still arrive; check before sending again%3")
+                                   .arg(number1).arg(parts.size()).arg(d->sentSoFar(number1)));
+            }
+            return d->fail(tr("part %1 of %2 was refused: %3%4")
+                               .arg(number1).arg(parts.size())
+                               .arg(SmsSenderPrivate::refusal(answer))
+                               .arg(d->sentSoFar(number1)));
         }
         // No answer in time: the PDU went out, so the network may still take
         // it. Saying so keeps a caller from sending the message twice.
-        if (!ended && !answer.contains("ERROR")) {
-            d->unconfirmed = true;
-            return d->fail(tr("part %1 of %2 not confirmed within %3 s — it may still arrive; check before "
-                              "sending again%4")
-                               .arg(number1).arg(parts.size())
-                               .arg((d->confirmTimeoutMs + 999) / 1000)
-                               .arg(d->sentSoFar(number1)));
-        }
-        return d->fail(tr("part %1 of %2 was refused: %3%4")
+        d->unconfirmed = true;
+        d->setState(number1, Unconfirmed);
+        return d->fail(tr("part %1 of %2 not confirmed within %3 s — it may still arrive; check before "
+                          "sending again: %4%5")
                            .arg(number1).arg(parts.size())
-                           .arg(SmsSenderPrivate::reason(answer, d->modem->lastError()))
+                           .arg((d->confirmTimeoutMs + 999) / 1000)
+                           .arg(answer.reason())
                            .arg(d->sentSoFar(number1)));
     }
     return true;

@@ -5,6 +5,8 @@
 #include <QScopedPointer>
 #include <QString>
 
+#include <functional>
+
 class AtModem;
 
 namespace zelmodems {
@@ -25,10 +27,22 @@ class SmsSenderPrivate;
 //         qWarning() << sender.lastError();   // refused: nothing more was sent
 //
 // The number and the text are checked first (zelmodems::AtInput); what
-// fails the check is refused and nothing goes to the modem.
+// fails the check is refused and nothing goes to the modem. Each part ends
+// in one of three ways, told apart in partStates(): confirmed ("+CMGS:"),
+// refused (ERROR or "+CMS ERROR: n", with errorCode() and errorMeaning()),
+// or unconfirmed (no answer in time: the network may still deliver it).
+// A modem that does not prompt for the PDU in time is sent ESC, so that it
+// leaves message entry and the next command is read as a command.
 class ZELMODEMSLIB_EXPORT SmsSender
 {
 public:
+    enum PartState {
+        NotSent,        // not handed to the modem (an earlier part failed)
+        Sent,           // confirmed with a message reference
+        Refused,        // the modem or the network said no: it will not arrive
+        Unconfirmed,    // handed over, no answer in time: it may still arrive
+    };
+
     explicit SmsSender(AtModem* modem);
     ~SmsSender();
     SmsSender(const SmsSender&) = delete;
@@ -49,6 +63,19 @@ public:
     // in time: the message may still arrive.
     bool unconfirmed() const;
     QString lastError() const;
+
+    // The state of each part of the last message, in order.
+    QList<PartState> partStates() const;
+    // "sent", "refused", "unconfirmed", "not sent".
+    static QString stateName(PartState state);
+    // The n of "+CMS ERROR: n" that refused a part; -1 otherwise.
+    int errorCode() const;
+    // What a +CMS ERROR code means (3GPP TS 27.005 3.2.5, with the network
+    // causes of TS 24.011 and TS 23.040 below 256).
+    static QString errorMeaning(int code);
+    // Called as each part ends (1-based part, its state, its reference or -1),
+    // so that a caller can tell how far a send got if it is cut short.
+    void setPartHandler(const std::function<void(int part, PartState state, int reference)>& handler);
 
 private:
     QScopedPointer<SmsSenderPrivate> d;

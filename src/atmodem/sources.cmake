@@ -16,7 +16,10 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
     ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/portlock.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/linechannel_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/linechannel.cpp)
 zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
     ${CMAKE_CURRENT_LIST_DIR}/atcommands.h
@@ -24,4 +27,5 @@ zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.h
     ${CMAKE_CURRENT_LIST_DIR}/atinput.h
     ${CMAKE_CURRENT_LIST_DIR}/smssender.h
-    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.h)
+    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.h
+    ${CMAKE_CURRENT_LIST_DIR}/portlock.h)

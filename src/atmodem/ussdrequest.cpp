@@ -1,9 +1,11 @@
-// USSD with the reply's status: the same request and wait as the modem's own
-// USSD call, with the +CUSD status read instead of dropped.
+// USSD with the reply's status: the same request as the modem's own USSD
+// call, over the standards' line dialogue, with the +CUSD status read
+// instead of dropped and no byte of the reply thrown away.
 #include "ussdrequest.h"
 
 #include "atmodem.h"
 #include "atmodem_p.h"
+#include "linechannel_p.h"
 
 namespace zelmodems {
 
@@ -51,34 +53,65 @@ bool UssdRequest::send(const QString& code)
         d->error = tr("No USSD code given");
         return false;
     }
-    QByteArray buffer;
-    if (!d->modem->requestUssd(AT::Commands::CUSD, code, buffer)) {
-        d->error = d->modem->lastError().isEmpty() ? tr("The modem refused the request") : d->modem->lastError();
+    const QString unsafe = AtInput::checkArgument(code);
+    if (!unsafe.isEmpty()) {
+        d->error = tr("Refused the USSD code, nothing sent: %1").arg(unsafe);
         return false;
     }
-    for (int attempt = 1; attempt <= USSD_ATTEMPTS; ++attempt) {
-        d->modem->waitForUssd(attempt, buffer);
-        const int status = statusIn(buffer);
-        if (status >= 0) {
-            d->status = status;
-            QString text;
-            if (d->modem->getCUSDMessage(buffer, text))
-                d->text = text;
-            if (status <= 1)
-                return true;
-            d->error = tr("The network answered with status %1: %2").arg(status).arg(statusMeaning(status));
-            return false;
-        }
-        if (buffer.contains("ERROR")) {
-            d->error = tr("The modem answered ERROR to the request");
-            return false;
-        }
-        if (!d->modem->isConnected()) {
-            d->error = tr("The modem is gone");
-            return false;
-        }
+    AtModem* modem = d->modem;
+    if (!modem->portOpen()) {
+        d->error = tr("The modem's port is not open");
+        return false;
     }
-    d->error = tr("No reply from the network within %1 s").arg(USSD_ATTEMPTS * (USSD_PAUSE_MS + USSD_READS * USSD_READ_PAUSE_MS) / 1000);
+    // The reply may come before the OK, right after it in the same read,
+    // or seconds later: every line that arrives is looked at, and nothing
+    // in between discards input or re-identifies the modem.
+    LineChannel channel(modem);
+    channel.command(AT::Commands::ATE + QByteArray("0"), SHORT_TIMEOUT_MS);
+    if (modem->dialect() == AtModem::SIM_COM)
+        channel.command(AT::Commands::SimCom::CSCS, SHORT_TIMEOUT_MS);
+    int timeoutMs = SHORT_TIMEOUT_MS;
+    const QByteArray command = modem->ussdCommand(AT::Commands::CUSD, code, timeoutMs);
+    QElapsedTimer clock;
+    clock.start();
+    LineChannel::Answer answer = channel.command(command, timeoutMs);
+    if (!answer.ok() && modem->dialect() == AtModem::ZTE && answer.final.contains("Unexpected Data Value")) {
+        // ZTE firmware refuses a request while the network is still busy
+        // with an earlier one; a second try a moment later goes through.
+        QThread::msleep(ZTE_USSD_RETRY_PAUSE_MS);
+        answer = channel.command(command, SHORT_TIMEOUT_MS);
+    }
+    QByteArray reply;
+    for (const QByteArray& line : answer.lines + answer.unsolicited) {
+        if (line.startsWith("+CUSD:"))
+            reply = line;
+    }
+    if (!answer.ok() && reply.isEmpty()) {
+        if (answer.end == LineChannel::End::PortGone)
+            d->error = tr("The modem is gone");
+        else if (answer.end == LineChannel::End::Final)
+            d->error = tr("The modem refused the request: %1").arg(answer.reason());
+        else
+            d->error = tr("The modem did not take the request: %1").arg(answer.reason());
+        return false;
+    }
+    const int waitMs = USSD_ATTEMPTS * (USSD_PAUSE_MS + USSD_READS * USSD_READ_PAUSE_MS);
+    if (reply.isEmpty()
+        && !channel.waitFor("+CUSD:", int(qMax<qint64>(0, waitMs - clock.elapsed())), reply)) {
+        if (!modem->portOpen())
+            d->error = tr("The modem is gone");
+        else
+            d->error = tr("No reply from the network within %1 s").arg((clock.elapsed() + 500) / 1000);
+        return false;
+    }
+    const int status = statusIn(reply);
+    d->status = status;
+    QString text;
+    if (modem->getCUSDMessage(reply, text))
+        d->text = text;
+    if (status >= 0 && status <= 1)
+        return true;
+    d->error = tr("The network answered with status %1: %2").arg(status).arg(statusMeaning(status));
     return false;
 }
 

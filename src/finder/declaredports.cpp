@@ -19,9 +19,15 @@ bool isCharacterDevice(const QString& path)
 }
 
 // A bare name is a device below /dev.
+// A bare name is a device below /dev, from any working directory; a path
+// with a slash is taken from the working directory.
 QString pathOf(const QString& portName)
 {
-    return portName.startsWith(QLatin1Char('/')) ? portName : QStringLiteral("/dev/") + portName;
+    if (portName.isEmpty() || portName.startsWith(QLatin1Char('/')))
+        return portName;
+    if (portName.contains(QLatin1Char('/')))
+        return QFileInfo(portName).absoluteFilePath();
+    return QStringLiteral("/dev/") + portName;
 }
 
 } // namespace
@@ -167,7 +173,7 @@ QString DeclaredPorts::devicePath(const QString& portName) const
         if (declared != d->devices.constEnd())
             return declared.value();
     }
-    return PortCatalogue::devicePath(portName);
+    return pathOf(PortCatalogue::devicePath(portName));
 }
 
 QString DeclaredPorts::dataPortLink() const

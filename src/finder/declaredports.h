@@ -59,6 +59,8 @@ public:
 
     QStringList availablePorts() const override;
     Port port(const QString& portName) const override;
+    // The device's path: a declared port's device, /dev/NAME for a bare
+    // name (whatever the working directory), a relative path made absolute.
     QString devicePath(const QString& portName) const override;
     QString dataPortLink() const override;
 

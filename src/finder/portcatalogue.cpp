@@ -1,5 +1,6 @@
 // The serial ports the modem search sees: the system's, or an installed catalogue.
 #include "portcatalogue.h"
+#include "portlock.h"
 
 #include <QSerialPortInfo>
 
@@ -33,8 +34,9 @@ PortCatalogue::Port PortCatalogue::port(const QString& portName) const
     port.exists = !info.isNull();
     if (!port.exists)
         return port;
-    // Whether another process holds the port's lock.
-    port.busy = info.isBusy();
+    // Whether another process holds the port's lock, in any of the forms
+    // serial programs write it (QSerialPortInfo reads only its own).
+    port.busy = info.isBusy() || PortLock::of(info.systemLocation()).isHeld();
     port.hasVendorIdentifier = info.hasVendorIdentifier();
     port.vendorIdentifier = info.vendorIdentifier();
     port.hasProductIdentifier = info.hasProductIdentifier();

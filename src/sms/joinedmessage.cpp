@@ -3,6 +3,7 @@
 
 #include <QHash>
 #include <QMap>
+#include <QSet>
 
 namespace zelmodems {
 
@@ -12,6 +13,7 @@ public:
     QMap<int, ShortMessage> parts;      // by part number
     QMap<int, int> positions;           // part number -> place in the input
     int partCount = 1;
+    bool ambiguous = false;
 };
 
 namespace {
@@ -33,6 +35,21 @@ JoinedMessage::~JoinedMessage() = default;
 
 QList<JoinedMessage> JoinedMessage::join(const QList<ShortMessage>& parts)
 {
+    // A part number seen twice under one key means two messages share it
+    // (a sender that reuses its reference byte, a resent part): which half
+    // belongs to which cannot be told, so none of them is joined.
+    QHash<QString, QSet<int>> seen;
+    QSet<QString> ambiguous;
+    for (const ShortMessage& part : parts) {
+        if (!part.isValid() || part.concatReference() < 0)
+            continue;
+        const QString key = keyOf(part);
+        QSet<int>& numbers = seen[key];
+        if (numbers.contains(part.partNumber()))
+            ambiguous.insert(key);
+        numbers.insert(part.partNumber());
+    }
+
     QList<JoinedMessage> messages;
     // Key -> the message still collecting parts under it.
     QHash<QString, int> open;
@@ -40,14 +57,16 @@ QList<JoinedMessage> JoinedMessage::join(const QList<ShortMessage>& parts)
         const ShortMessage& part = parts.at(i);
         const bool single = !part.isValid() || part.concatReference() < 0;
         const QString key = single ? QString() : keyOf(part);
-        auto it = single ? open.end() : open.find(key);
-        if (it == open.end() || messages.at(*it).d->parts.contains(part.partNumber())) {
+        const bool alone = !single && ambiguous.contains(key);
+        auto it = single || alone ? open.end() : open.find(key);
+        if (it == open.end()) {
             JoinedMessage message;
             message.d->partCount = single ? 1 : part.partCount();
+            message.d->ambiguous = alone;
             const int number = single ? 1 : part.partNumber();
             message.d->parts.insert(number, part);
             message.d->positions.insert(number, i);
-            if (!single)
+            if (!single && !alone)
                 open.insert(key, messages.size());
             messages << message;
             continue;
@@ -63,6 +82,7 @@ QList<ShortMessage> JoinedMessage::parts() const { return d->parts.values(); }
 QList<int> JoinedMessage::sourcePositions() const { return d->positions.values(); }
 ShortMessage JoinedMessage::first() const { return d->parts.isEmpty() ? ShortMessage() : d->parts.first(); }
 int JoinedMessage::partCount() const { return d->partCount; }
+bool JoinedMessage::isAmbiguous() const { return d->ambiguous; }
 
 QList<int> JoinedMessage::missingParts() const
 {

@@ -15,8 +15,10 @@ class JoinedMessageData;
 // recipient), the same concatenation reference of the same width and the
 // same part count, so that two senders who happen to pick the same
 // reference byte never share a message. A set with parts missing is kept
-// and says which; a second copy of a part starts a message of its own
-// rather than being dropped or overwriting the first.
+// and says which. When a part number comes twice under one sender and
+// reference, no part of that set is joined: each stays a message of its
+// own, isAmbiguous(), since which halves belong together
+// cannot be told and a join would splice two messages into one.
 //
 //     QList<zelmodems::ShortMessage> parts;
 //     for (const zelmodems::StoredPdu& entry : entries)
@@ -49,6 +51,10 @@ public:
     QList<int> missingParts() const;
     // Every part present and readable.
     bool isComplete() const;
+    // A part that came with a twin of its number under the same sender and
+    // reference, and so was left unjoined: incomplete unless it is a
+    // message of one part.
+    bool isAmbiguous() const;
     // The texts of the parts present, in order.
     QString text() const;
     // The earliest service centre time stamp of the parts.

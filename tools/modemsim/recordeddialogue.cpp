@@ -30,6 +30,7 @@ struct Pending {
     QByteArray command;
     qint64 sentMs = 0;
     QList<Chunk> chunks;
+    qint64 goneMs = -1;     // the device went away then
 };
 
 RecordedDialogue::Exchange finish(const Pending& p)
@@ -50,6 +51,8 @@ RecordedDialogue::Exchange finish(const Pending& p)
         }
     }
     e.reply.bytes = now;
+    if (p.goneMs >= 0)
+        e.vanishAfterMs = int(qBound<qint64>(0, p.goneMs - p.sentMs, 60000));
     if (i < p.chunks.size()) {
         e.reply.followUpDelayMs = int(qBound<qint64>(0, p.chunks.at(i).ms - lastMs, 60000));
         for (; i < p.chunks.size(); ++i)
@@ -83,6 +86,16 @@ bool RecordedDialogue::load(const QString& path, QString* error)
         if (text.isEmpty())
             continue;
         const QJsonObject event = QJsonDocument::fromJson(text).object();
+        if (event.value(QStringLiteral("event")).toString() == QLatin1String("gone")) {
+            // The device went away during the command under way (or before
+            // any: then at the first one).
+            if (!current) {
+                current = std::make_unique<Pending>();
+                current->command = QByteArray();
+            }
+            current->goneMs = qint64(event.value(QStringLiteral("ms")).toDouble());
+            break;
+        }
         const QString dir = event.value(QStringLiteral("dir")).toString();
         if (event.isEmpty() || (dir != QLatin1String(">") && dir != QLatin1String("<"))) {
             *error = QStringLiteral("%1:%2: not an event of the recording").arg(path).arg(number);
@@ -137,7 +150,8 @@ void RecordedDialogue::apply(SimModem& modem) const
     };
     auto state = std::make_shared<State>();
     const QList<Exchange> exchanges = m_exchanges;
-    modem.addHandler([state, exchanges](const QByteArray& command) -> std::optional<Reply> {
+    SimModem* device = &modem;
+    modem.addHandler([state, exchanges, device](const QByteArray& command) -> std::optional<Reply> {
         std::lock_guard<std::mutex> lock(state->mutex);
         const QByteArray wanted = command.toUpper();
         for (int pass = 0; pass < 2; ++pass) {
@@ -145,6 +159,9 @@ void RecordedDialogue::apply(SimModem& modem) const
             for (int i = from; i < exchanges.size(); ++i) {
                 if (exchanges.at(i).command.toUpper() == wanted) {
                     state->next = i + 1;
+                    // The recorded modem went away here: so does this one.
+                    if (exchanges.at(i).vanishAfterMs >= 0)
+                        device->vanishAfter(exchanges.at(i).vanishAfterMs);
                     return exchanges.at(i).reply;
                 }
             }

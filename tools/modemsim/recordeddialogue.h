@@ -11,7 +11,9 @@
 // USSD reply after the OK) follows with its recorded delay. Commands are
 // matched in the recorded order, a repeated command getting the next
 // recorded answer; a command the recording never saw gets ERROR. The modem
-// answers only at the line speeds the recording used.
+// answers only at the line speeds the recording used. A recording that
+// ends with the device gone ends the same way: the modem vanishes at the
+// recorded moment of the command under way.
 class RecordedDialogue
 {
 public:
@@ -25,6 +27,7 @@ public:
     struct Exchange {
         QByteArray command;                     // after "AT", as sent
         zelmodems::sim::Reply reply;
+        int vanishAfterMs = -1;                 // the device went away this long after the command
     };
 
 private:

@@ -1,4 +1,5 @@
 #include "dialoguerecorder.h"
+#include "portlock.h"
 #include "storedmessages.h"
 
 #include <QDateTime>
@@ -24,6 +25,7 @@ struct DialogueRecorder::Private
     int slave = -1;        // kept open: the pair lives while the library reopens it
     QString slavePath;
     QFile file;
+    int fileDescriptor = -1;
     std::unique_ptr<QLockFile> lock;
     std::thread relay;
     std::atomic<bool> stopping{ false };
@@ -100,7 +102,14 @@ struct DialogueRecorder::Private
                 }
             }
             if (fds[1].revents & (POLLHUP | POLLERR | POLLNVAL)) {
-                write("<", QByteArray());   // the device went away
+                // The device went away: so does the library's end, as the
+                // real port would, and the recording says so.
+                const QJsonObject event{ { QStringLiteral("ms"), clock.elapsed() },
+                                         { QStringLiteral("event"), QStringLiteral("gone") } };
+                file.write(QJsonDocument(event).toJson(QJsonDocument::Compact) + '\n');
+                file.flush();
+                ::close(master);
+                master = -1;
                 break;
             }
         }
@@ -114,20 +123,32 @@ DialogueRecorder::~DialogueRecorder()
     stop();
 }
 
-bool DialogueRecorder::start(const QString& device, const QString& file, QString* error)
+bool DialogueRecorder::start(const QString& port, const QString& device, const QString& file, QString* error)
 {
+    // Someone else's port stays theirs, whatever form their lock takes.
+    const zelmodems::PortLock held = zelmodems::PortLock::of(device);
+    if (held.isHeld()) {
+        *error = QStringLiteral("%1 is in use by another program (%2)").arg(port, held.holder());
+        return false;
+    }
     QString name = device;
     if (name.startsWith(QLatin1String("/dev/")))
         name = name.mid(5);
     name.replace(QLatin1Char('/'), QLatin1Char('_'));
     d->lock = std::make_unique<QLockFile>(QStringLiteral("/var/lock/LCK..") + name);
     if (QFileInfo(QStringLiteral("/var/lock")).isWritable() && !d->lock->tryLock(0)) {
-        *error = QStringLiteral("%1 is in use by another program").arg(device);
+        *error = QStringLiteral("%1 is in use by another program").arg(port);
         return false;
     }
     d->device = ::open(QFile::encodeName(device).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (d->device < 0) {
-        *error = QStringLiteral("cannot open %1: %2").arg(device, QString::fromLocal8Bit(strerror(errno)));
+        *error = QStringLiteral("cannot open %1: %2").arg(port, QString::fromLocal8Bit(strerror(errno)));
+        return false;
+    }
+    // A file or /dev/null is no serial port: the relay would write the
+    // dialogue into it.
+    if (!::isatty(d->device)) {
+        *error = QStringLiteral("%1 is not a serial port (not a terminal device)").arg(port);
         return false;
     }
     struct termios tio;
@@ -149,12 +170,19 @@ bool DialogueRecorder::start(const QString& device, const QString& file, QString
         ::cfmakeraw(&tio);
         ::tcsetattr(d->slave, TCSANOW, &tio);
     }
-    d->file.setFileName(file);
-    if (!d->file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        *error = QStringLiteral("cannot write %1: %2").arg(file, d->file.errorString());
+    // A new file of our own: it holds every message and code the modem
+    // saw, so nobody else reads it, and no link leads it onto another file.
+    d->fileDescriptor = ::open(QFile::encodeName(file).constData(),
+                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (d->fileDescriptor < 0) {
+        *error = errno == EEXIST || errno == ELOOP
+                     ? QStringLiteral("%1 exists; a recording is written to a new file only").arg(file)
+                     : QStringLiteral("cannot write %1: %2").arg(file, QString::fromLocal8Bit(strerror(errno)));
         return false;
     }
+    d->file.open(d->fileDescriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle);
     const QJsonObject header{ { QStringLiteral("zelmodemsRecording"), 1 },
+                              { QStringLiteral("port"), port },
                               { QStringLiteral("device"), device },
                               { QStringLiteral("started"), isoTime(QDateTime::currentDateTime()) } };
     d->file.write(QJsonDocument(header).toJson(QJsonDocument::Compact) + '\n');

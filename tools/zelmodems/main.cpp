@@ -42,7 +42,9 @@ int main(int argc, char** argv)
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
             if (type == QtWarningMsg && context.function && strstr(context.function, "loadMncTable"))
                 return;
-            fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+            // The dialogue holds whatever the modem sent: escaped, so that
+            // its escape sequences cannot drive the terminal.
+            fprintf(stderr, "%s\n", qPrintable(Report::escaped(qFormatLogMessage(type, context, text))));
         });
     }
 

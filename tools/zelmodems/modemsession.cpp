@@ -4,46 +4,19 @@
 #include "report.h"
 #include "declaredports.h"
 
-#include <QFile>
+#include "portlock.h"
+
+#include <QCoreApplication>
 #include <QFileInfo>
 
 QString ModemSession::holderOf(const QString& device)
 {
-    // The lock is named after the device's path below /dev, its slashes as
-    // underscores (LCK..ttyUSB0, LCK..pts_3).
-    // A path outside /dev keeps all of it (QSerialPort's convention:
-    // LCK.._tmp_modems_ttySIM0); its bare file name is tried too.
-    QStringList names;
-    for (QString path : {device, QFileInfo(device).canonicalFilePath(), QFileInfo(device).fileName()}) {
-        if (path.startsWith(QLatin1String("/dev/")))
-            path = path.mid(5);
-        path.replace(QLatin1Char('/'), QLatin1Char('_'));
-        if (!path.isEmpty() && !names.contains(path))
-            names << path;
-    }
-    QStringList dirs{QStringLiteral("/run/lock"), QStringLiteral("/var/lock"), QStringLiteral("/tmp")};
-    if (!qEnvironmentVariableIsEmpty("QT5EXT_LOCK_DIR"))
-        dirs.prepend(qEnvironmentVariable("QT5EXT_LOCK_DIR"));
-    for (const QString& dir : dirs) {
-        for (const QString& name : names) {
-            QFile lock(dir + QStringLiteral("/LCK..") + name);
-            if (!lock.open(QIODevice::ReadOnly))
-                continue;
-            bool ok = false;
-            const qint64 pid = lock.readLine(64).trimmed().toLongLong(&ok);
-            if (!ok || pid <= 0 || !QFileInfo::exists(QStringLiteral("/proc/%1").arg(pid)))
-                continue;
-            QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
-            const QString program = comm.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(comm.readAll().trimmed())
-                                                                    : QString();
-            return program.isEmpty() ? QStringLiteral("pid %1").arg(pid)
-                                     : QStringLiteral("pid %1, %2").arg(pid).arg(program);
-        }
-    }
-    return QString();
+    const zelmodems::PortLock lock = zelmodems::PortLock::of(device);
+    // This process's own lock is the recording relay's, never a holder.
+    if (!lock.isHeld() || lock.pid() == QCoreApplication::applicationPid())
+        return QString();
+    return lock.holder();
 }
-
-
 
 ModemSession::~ModemSession()
 {
@@ -65,16 +38,23 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         report.fail(Tool::tr("no such port: %1").arg(m_portName));
         return false;
     }
+    const QString holder = holderOf(device);
+    if (!holder.isEmpty()) {
+        report.fail(Tool::tr("%1 is in use by another program (%2)").arg(m_portName, holder));
+        return false;
+    }
     QString opened = device;
     const QString recording = commandLine.value(QStringLiteral("record"));
     if (!recording.isEmpty()) {
         m_recorder = std::make_unique<DialogueRecorder>();
         QString why;
-        if (!m_recorder->start(device, recording, &why)) {
+        if (!m_recorder->start(m_portName, device, recording, &why)) {
             report.fail(Tool::tr("cannot record: %1").arg(why));
             return false;
         }
         opened = m_recorder->clientPath();
+        // What the library says of the relay's device is said of the port.
+        Report::setDeviceAlias(opened, m_portName);
     }
     if (!m_modem.open(opened, commandLine.baud(), commandLine.attempts())) {
         const QString holder = holderOf(device);

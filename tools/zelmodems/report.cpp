@@ -2,6 +2,7 @@
 #include "console.h"
 
 #include <QJsonDocument>
+#include <QPair>
 
 void Report::line(const QString& text)
 {
@@ -24,6 +25,24 @@ void Report::fail(const QString& message, Status status)
     m_status = status == Success ? Failure : status;
 }
 
+namespace {
+
+QPair<QString, QString> deviceAlias;
+
+QString aliased(QString text)
+{
+    if (!deviceAlias.first.isEmpty())
+        text.replace(deviceAlias.first, deviceAlias.second);
+    return text;
+}
+
+} // namespace
+
+void Report::setDeviceAlias(const QString& device, const QString& port)
+{
+    deviceAlias = qMakePair(device, port);
+}
+
 void Report::setHelp(const QString& text)
 {
     m_help = text;
@@ -37,6 +56,11 @@ QString Report::escaped(const QString& text)
         const ushort u = c.unicode();
         if ((u < 0x20 && u != '\t') || (u >= 0x7F && u < 0xA0))
             result += QStringLiteral("\\x%1").arg(u, 2, 16, QLatin1Char('0'));
+        // Bidirectional embeddings, overrides and isolates reorder what a
+        // terminal shows after them: a sender could make its text read as
+        // another number or another message.
+        else if ((u >= 0x202A && u <= 0x202E) || (u >= 0x2066 && u <= 0x2069))
+            result += QStringLiteral("\\u%1").arg(u, 4, 16, QLatin1Char('0'));
         else
             result += c;
     }
@@ -51,7 +75,7 @@ QString escapedLines(const QStringList& lines)
     QStringList shown;
     for (const QString& line : lines) {
         for (const QString& part : line.split(QLatin1Char('\n')))
-            shown << Report::escaped(part);
+            shown << Report::escaped(aliased(part));
     }
     return shown.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }
@@ -86,12 +110,12 @@ int Report::print(const QString& who) const
         // A program reading JSON gets the failure as JSON too.
         if (asJson && !m_printed) {
             QJsonObject failure = m_json;
-            failure.insert(QStringLiteral("error"), m_error);
+            failure.insert(QStringLiteral("error"), aliased(m_error));
             failure.insert(QStringLiteral("exitStatus"), m_status);
             Console::out() << QJsonDocument(failure).toJson(QJsonDocument::Indented);
         }
         checkedOutput(who, m_status);
-        Console::err() << who << ": " << escaped(m_error) << '\n';
+        Console::err() << who << ": " << escaped(aliased(m_error)) << '\n';
         Console::err().flush();
         return m_status;
     }

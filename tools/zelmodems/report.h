@@ -45,16 +45,21 @@ public:
     // Returns the exit status; Failure when standard output could not be
     // written (a full disk, a closed pipe), with the reason on standard
     // error. Control characters from modems and messages are shown escaped
-    // (\x1b) in text output, so that nothing they hold can drive the
-    // terminal.
+    // (\x1b, \u202e) in text output, so that nothing they hold can drive
+    // the terminal or reorder what it shows.
     int print(const QString& who) const;
 
     // The command printed its results itself (before acting on them);
     // print() then only reports a failure.
     void setPrinted() { m_printed = true; }
 
-    // `text` with its control characters as \xHH (tabs kept).
+    // `text` with its control characters as \xHH (tabs kept) and its
+    // bidirectional controls (U+202A-U+202E, U+2066-U+2069) as \uHHHH.
     static QString escaped(const QString& text);
+
+    // Every later print shows `device` as `port` (the recording relay's
+    // pseudo-terminal is the user's port to the user).
+    static void setDeviceAlias(const QString& device, const QString& port);
 
     static const int LABEL_WIDTH = 14;
 

@@ -3,6 +3,7 @@
 #include "tooltext.h"
 #include "commands.h"
 #include "messagestore.h"
+#include "pdu.h"
 #include "modemcommand.h"
 #include "modemsession.h"
 #include "smssender.h"
@@ -40,6 +41,11 @@ QString partsText(const StoredMessage& message)
     QStringList present;
     for (const int p : message.partsPresent)
         present << QString::number(p);
+    if (message.ambiguous)
+        return Tool::tr("  (part %1 of %2, not joined: another part %1 from the same sender and reference "
+                        "is stored)")
+            .arg(present.join(QLatin1Char(',')))
+            .arg(message.partCount);
     return message.complete() ? QStringLiteral("  (%1 parts)").arg(message.partCount)
                               : QStringLiteral("  (incomplete: part %1 of %2)")
                                     .arg(present.join(QLatin1Char(',')))
@@ -54,7 +60,31 @@ QString indexesText(const StoredMessage& message)
     return indexes.isEmpty() ? QStringLiteral("?") : indexes.join(QLatin1Char(','));
 }
 
-// A message for a person: a header line and the text, indented.
+// What a modem or a sender wrote, on one line: a line break in an
+// alphanumeric sender must not start a line of its own.
+QString oneLine(const QString& text)
+{
+    return Report::escaped(text);
+}
+
+QString portsText(const StoredMessage& message)
+{
+    if (message.destinationPort < 0)
+        return QString();
+    return message.originatorPort < 0 ? Tool::tr(", port %1").arg(message.destinationPort)
+                                      : Tool::tr(", port %1 (from port %2)")
+                                            .arg(message.destinationPort)
+                                            .arg(message.originatorPort);
+}
+
+QString reportStatusText(int status)
+{
+    return QStringLiteral("%1 (0x%2)").arg(zelmodems::PDU::statusMeaning(status))
+        .arg(status, 2, 16, QLatin1Char('0'));
+}
+
+// A message for a person: a header line, then the text (indented), the
+// data in hexadecimal, or what the status report says.
 void describe(const StoredMessage& message, Report& report)
 {
     report.line();
@@ -65,12 +95,38 @@ void describe(const StoredMessage& message, Report& report)
                              message.problem.isEmpty() ? QStringLiteral("undecodable PDU") : message.problem));
         return;
     }
-    const QString who = message.outgoing ? QStringLiteral("to %1").arg(message.address)
-                                         : QStringLiteral("from %1").arg(message.address);
     const QString when = message.time.isValid() ? isoTime(message.time) + QStringLiteral("  ") : QString();
+    const QString address = oneLine(message.address);
+    if (message.type == zelmodems::ShortMessage::StatusReport) {
+        report.line(Tool::tr("[%1] %2%3  status report for message %4 to %5")
+                        .arg(indexesText(message), when, status)
+                        .arg(message.reference)
+                        .arg(address));
+        report.line(Tool::tr("  status: %1").arg(reportStatusText(message.reportStatus)));
+        if (message.dischargeTime.isValid())
+            report.line(Tool::tr("  at: %1").arg(isoTime(message.dischargeTime)));
+        return;
+    }
+    const QString who = message.outgoing ? Tool::tr("to %1").arg(address) : Tool::tr("from %1").arg(address);
     report.line(QStringLiteral("[%1] %2%3  %4%5").arg(indexesText(message), when, status, who, partsText(message)));
+    if (message.data) {
+        report.line(Tool::tr("  data, %1 octet(s)%2:").arg(message.userData.size()).arg(portsText(message)));
+        report.line(QStringLiteral("  ") + QString::fromLatin1(message.userData.toHex().toUpper()));
+        return;
+    }
     for (const QString& textLine : message.text.split(QLatin1Char('\n')))
         report.line(QStringLiteral("  ") + textLine);
+}
+
+QString kindName(zelmodems::ShortMessage::Type type)
+{
+    switch (type) {
+    case zelmodems::ShortMessage::Deliver: return QStringLiteral("deliver");
+    case zelmodems::ShortMessage::Submit: return QStringLiteral("submit");
+    case zelmodems::ShortMessage::StatusReport: return QStringLiteral("status-report");
+    case zelmodems::ShortMessage::InvalidType: break;
+    }
+    return QStringLiteral("unknown");
 }
 
 QJsonObject toJson(const StoredMessage& message)
@@ -82,17 +138,35 @@ QJsonObject toJson(const StoredMessage& message)
     QJsonArray parts;
     for (const int p : message.partsPresent)
         parts.append(p);
+    const bool report = message.type == zelmodems::ShortMessage::StatusReport;
     item.insert(QStringLiteral("indexes"), indexes);
     item.insert(QStringLiteral("storage"), message.storage.isEmpty() ? QJsonValue() : QJsonValue(message.storage));
     item.insert(QStringLiteral("status"), StoredPdu::statusName(message.status));
+    item.insert(QStringLiteral("kind"), message.decoded ? kindName(message.type) : QStringLiteral("unknown"));
     item.insert(QStringLiteral("outgoing"), message.outgoing);
-    item.insert(message.outgoing ? QStringLiteral("recipient") : QStringLiteral("sender"),
+    item.insert(message.outgoing || report ? QStringLiteral("recipient") : QStringLiteral("sender"),
                 message.decoded ? QJsonValue(message.address) : QJsonValue());
     item.insert(QStringLiteral("dateTime"), message.time.isValid() ? QJsonValue(isoTime(message.time)) : QJsonValue());
-    item.insert(QStringLiteral("text"), message.decoded ? QJsonValue(message.text) : QJsonValue());
+    item.insert(QStringLiteral("text"), message.decoded && !message.data && !report ? QJsonValue(message.text)
+                                                                                    : QJsonValue());
+    if (message.data) {
+        item.insert(QStringLiteral("data"), QString::fromLatin1(message.userData.toHex().toUpper()));
+        item.insert(QStringLiteral("destinationPort"),
+                    message.destinationPort < 0 ? QJsonValue() : QJsonValue(message.destinationPort));
+        item.insert(QStringLiteral("originatorPort"),
+                    message.originatorPort < 0 ? QJsonValue() : QJsonValue(message.originatorPort));
+    }
+    if (report && message.decoded) {
+        item.insert(QStringLiteral("reference"), message.reference);
+        item.insert(QStringLiteral("dischargeTime"),
+                    message.dischargeTime.isValid() ? QJsonValue(isoTime(message.dischargeTime)) : QJsonValue());
+        item.insert(QStringLiteral("reportStatus"), message.reportStatus);
+        item.insert(QStringLiteral("reportStatusText"), zelmodems::PDU::statusMeaning(message.reportStatus));
+    }
     item.insert(QStringLiteral("partCount"), message.partCount);
     item.insert(QStringLiteral("partsPresent"), parts);
     item.insert(QStringLiteral("complete"), message.complete());
+    item.insert(QStringLiteral("ambiguous"), message.ambiguous);
     item.insert(QStringLiteral("problem"), message.problem.isEmpty() ? QJsonValue() : QJsonValue(message.problem));
     return item;
 }
@@ -174,8 +248,10 @@ Report smsList(const QStringList& args)
     ModemCommand command(QStringLiteral("sms list"),
                          Tool::tr("Lists every message stored in the modem (PDU mode): index, time with its\n"
                                         "zone offset, status (unread, read, unsent, sent), sender or recipient,\n"
-                                        "text, and for long messages whether every part is there. Nothing is\n"
-                                        "deleted (\"sms delete\", \"sms take\"); the modem marks listed messages read."));
+                                        "text (data in hexadecimal with its ports; a status report's message,\n"
+                                        "recipient, time and outcome), and for long messages whether every part\n"
+                                        "is there. Nothing is deleted (\"sms delete\", \"sms take\"); the modem\n"
+                                        "marks listed messages read."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
         QList<StoredMessage> messages;
         if (readStore(session, messages, report))
@@ -199,10 +275,11 @@ Report smsDelete(const QStringList& args)
 Report smsTake(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("sms take"),
-                         Tool::tr("Prints the received messages that could be read whole, and then deletes\n"
-                                        "those - and only those - from the modem. Messages that cannot be read, lone\n"
-                                        "parts of long messages and stored outgoing messages stay. Nothing is\n"
-                                        "deleted when the output could not be written."));
+                         Tool::tr("Prints the received messages and status reports that could be read whole\n"
+                                        "(text, data in hexadecimal with its ports, a report's outcome), and then\n"
+                                        "deletes those - and only those - from the modem. Messages that cannot be\n"
+                                        "read, lone or doubtful parts of long messages and stored outgoing messages\n"
+                                        "stay. Nothing is deleted when the output could not be written."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
         QList<StoredMessage> all;
         if (!readStore(session, all, report))
@@ -210,7 +287,10 @@ Report smsTake(const QStringList& args)
         QList<StoredMessage> taken;
         QList<int> indexes;
         for (const StoredMessage& message : qAsConst(all)) {
-            if (message.complete() && !message.outgoing) {
+            // Only what is printed in full is taken: a whole received
+            // message or report, never an outgoing one or a lone part.
+            if (message.complete() && (message.type == zelmodems::ShortMessage::Deliver
+                                       || message.type == zelmodems::ShortMessage::StatusReport)) {
                 taken << message;
                 indexes << message.indexes;
             }

@@ -6,15 +6,6 @@
 
 using zelmodems::StoredPdu;
 
-namespace {
-
-bool isOutgoing(StoredPdu::Status status)
-{
-    return status == StoredPdu::Unsent || status == StoredPdu::Sent;
-}
-
-} // namespace
-
 QString isoTime(const QDateTime& time)
 {
     if (!time.isValid())
@@ -46,7 +37,9 @@ QList<StoredMessage> groupStoredMessages(const QList<StoredPdu>& entries)
         StoredMessage message;
         message.status = first.status();
         message.storage = first.storage();
-        message.outgoing = isOutgoing(first.status());
+        message.type = sms.type();
+        message.outgoing = sms.type() == zelmodems::ShortMessage::Submit;
+        message.ambiguous = joined.isAmbiguous();
         for (const int position : positions) {
             const StoredPdu& entry = entries.at(position);
             if (entry.index() >= 0)
@@ -59,12 +52,23 @@ QList<StoredMessage> groupStoredMessages(const QList<StoredPdu>& entries)
             if (!part.isValid())
                 message.decoded = false;
             message.partsPresent << part.partNumber();
+            message.userData += part.userData();
         }
         message.problem = !first.isComplete() ? first.problem() : sms.error();
         message.address = sms.address();
         message.time = joined.serviceCentreTime();
         message.text = joined.text();
         message.partCount = joined.partCount();
+        message.data = sms.isValid() && sms.alphabet() == zelmodems::PDU::EightBitAlphabet;
+        if (!message.data)
+            message.userData.clear();
+        message.destinationPort = sms.destinationPort();
+        message.originatorPort = sms.originatorPort();
+        if (sms.type() == zelmodems::ShortMessage::StatusReport) {
+            message.reference = sms.messageReference();
+            message.dischargeTime = sms.dischargeTime();
+            message.reportStatus = sms.status();
+        }
         messages << message;
     }
     return messages;

@@ -1,0 +1,78 @@
+#pragma once
+// The AT dialogue as the standards have it (V.250, 3GPP TS 27.007 and
+// 27.005), for the project's own services over an AtModem: an answer ends
+// at a final result code on a line of its own, intermediate lines are kept
+// line by line, unsolicited result codes are set apart instead of mixed in,
+// and nothing that arrives is thrown away: bytes after a final result code
+// wait for the next read. The fixed AtModem calls keep their own rules.
+#include <QByteArray>
+#include <QList>
+
+class AtModem;
+
+namespace zelmodems {
+
+class LineChannel
+{
+public:
+    enum class End {
+        Final,      // a final result code ended the answer
+        Prompt,     // the "> " of message entry
+        TimedOut,
+        PortGone,   // the port closed or the device went away
+        Overflow,   // more than any modem's answer without a result code
+    };
+
+    struct Answer
+    {
+        End end = End::TimedOut;
+        QList<QByteArray> lines;         // intermediate lines, in order, without the echo
+        QByteArray final;                // the final result code line ("OK", "+CMS ERROR: 38")
+        QList<QByteArray> unsolicited;   // unsolicited result codes that came meanwhile
+        qint64 elapsedMs = 0;
+
+        bool ok() const { return end == End::Final && final == "OK"; }
+        // The answer's lines joined by CR LF, the final code last: the form
+        // the answer parsers read.
+        QByteArray text() const;
+        // What went wrong, for a message: the modem's result code, or the
+        // channel's reason.
+        QString reason() const;
+        // n of "+CMS ERROR: n" / "+CME ERROR: n"; -1 for others.
+        int errorCode() const;
+    };
+
+    explicit LineChannel(AtModem* modem);
+
+    // Sends "AT" + command + CR and collects the answer. With
+    // `promptEnds`, the "> " prompt ends it too.
+    Answer command(const QByteArray& command, int timeoutMs, bool promptEnds = false);
+    // Writes `bytes` as they are (a PDU and Ctrl-Z, ESC) and collects the answer.
+    Answer write(const QByteArray& bytes, int timeoutMs);
+    // Waits for an unsolicited line that begins with `prefix`; true with the
+    // line (a quoted text that spans lines whole) in `line`. Other
+    // unsolicited lines go to `others`.
+    bool waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& line, QList<QByteArray>* others = nullptr);
+
+    // Whether `line` is a final result code.
+    static bool isFinal(const QByteArray& line);
+    // Whether `line` is an unsolicited result code (for a command whose
+    // own answer lines begin with `ownPrefix`, which are never taken as one).
+    static bool isUnsolicited(const QByteArray& line, const QByteArray& ownPrefix = QByteArray());
+
+    // The most a modem's answer may hold; past it the answer ends.
+    static const int MaxAnswerBytes = 2 * 1024 * 1024;
+
+private:
+    Answer collect(const QByteArray& echo, const QByteArray& ownPrefix, int timeoutMs, bool promptEnds);
+    // Reads what the port has, waiting at most `ms`; false when the port is gone.
+    bool readMore(int ms);
+    // The next whole line of the pending bytes (a quoted text that spans
+    // lines kept whole); false when none is whole yet.
+    bool takeLine(QByteArray& line);
+
+    AtModem* m_modem;
+    QByteArray m_pending;
+};
+
+} // namespace zelmodems
