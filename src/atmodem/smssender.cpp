@@ -16,7 +16,7 @@ namespace {
 
 const int SHORT_TIMEOUT_MS = 1000;
 // Modems prompt for the PDU within a few tens of milliseconds.
-const int PROMPT_TIMEOUT_MS = 5000;
+const int PROMPT_TIMEOUT_MS = 2000;
 // ESC ends message entry; the modem answers it at once.
 const int ESCAPE_TIMEOUT_MS = 1000;
 

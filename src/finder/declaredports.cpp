@@ -1,5 +1,6 @@
 // A port catalogue of the system's ports plus declared ones and device paths.
 #include "declaredports.h"
+#include "portlock.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -162,6 +163,7 @@ PortCatalogue::Port DeclaredPorts::port(const QString& portName) const
         return system;
     Port device;
     device.exists = true;
+    device.busy = PortLock::of(target).isHeld();
     return device;
 }
 

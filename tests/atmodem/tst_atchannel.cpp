@@ -4,6 +4,8 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
+#include <QProcess>
 
 using namespace zelmodems::sim;
 using zmltest::portNameOf;
@@ -293,6 +295,61 @@ private slots:
         QCOMPARE(modem.lastError(), error);
         QCOMPARE(modem.baudrate(), opened ? 115200 : 0);
         QCOMPARE(modem.name(), opened ? QStringLiteral("huawei_E3372") : QString());
+    }
+
+    // A lock whose process runs keeps its port from us at any age and in
+    // any of the forms programs write it; the lock stays, nothing is sent.
+    void livePortLocks_data()
+    {
+        QTest::addColumn<QByteArray>("form");
+        QTest::newRow("pppd, %10d") << QByteArray("ascii");
+        QTest::newRow("binary int") << QByteArray("binary");
+        QTest::newRow("QLockFile, three lines") << QByteArray("lines");
+    }
+
+    void livePortLocks()
+    {
+        QFETCH(QByteArray, form);
+        QProcess holder;
+        holder.start(QStringLiteral("sleep"), {QStringLiteral("30")});
+        QVERIFY(holder.waitForStarted());
+        const qint32 pid = qint32(holder.processId());
+        QByteArray content = form == "ascii" ? QByteArray::number(pid).rightJustified(10, ' ') + '\n'
+                           : form == "lines" ? QByteArray::number(pid) + "\nsleep\n" + QSysInfo::machineHostName().toLatin1() + '\n'
+                                             : QByteArray(reinterpret_cast<const char*>(&pid), sizeof pid);
+
+        SimModem sim(Make::Huawei);
+        QVERIFY(sim.start());
+        const QString lock = lockFile(portNameOf(QFileInfo(sim.devicePath()).canonicalFilePath())
+                                          .replace(QLatin1Char('/'), QLatin1Char('_')));
+        writeLock(lock, content);
+        QFile file(lock);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-120), QFileDevice::FileModificationTime));
+        file.close();
+
+        AtModem modem;
+        const QString expected = QStringLiteral("in use by another program (pid %1, sleep)").arg(pid);
+        QVERIFY(!modem.open(sim.devicePath(), 115200, 2));
+        QVERIFY2(modem.lastError().contains(expected), qPrintable(modem.lastError()));
+        QVERIFY(!modem.test(sim.devicePath(), 115200));
+        QVERIFY2(modem.lastError().contains(expected), qPrintable(modem.lastError()));
+        QVERIFY(QFile::exists(lock));
+        QVERIFY(sim.commands().isEmpty());
+
+        // Taken while our port was open: no restart is sent to it.
+        QFile::remove(lock);
+        QVERIFY(modem.open(sim.devicePath(), 115200, 1));
+        sim.clearLog();
+        writeLock(lock, content);
+        QVERIFY(!modem.reset(false));
+        QVERIFY2(modem.lastError().contains(expected), qPrintable(modem.lastError()));
+        QVERIFY(sim.commands().isEmpty());
+        modem.close();
+        QVERIFY(QFile::exists(lock));
+        QFile::remove(lock);
+        holder.kill();
+        holder.waitForFinished();
     }
 
 private:

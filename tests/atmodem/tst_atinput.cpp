@@ -47,6 +47,8 @@ private slots:
         QTest::addColumn<QString>("second");
         QTest::newRow("SMS text ending early") << 0 << "+79161234567" << "hello\x1a" "AT+CFUN=0\r";
         QTest::newRow("SMS number with a command") << 0 << "+7916\rAT+CFUN=0\r" << "hello";
+        QTest::newRow("SMS number with a second command") << 0 << "+79161234567;+CMGD=1,4" << "hello";
+        QTest::newRow("SMS number with a quote") << 0 << "+7916\"1234567" << "hello";
         QTest::newRow("USSD code closing its quote") << 1 << "*100#\",15\rAT+CFUN=0" << QString();
         QTest::newRow("USSD by SMS with a line feed") << 2 << "*105#\nAT+CFUN=0" << QString();
     }

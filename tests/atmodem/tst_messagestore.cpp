@@ -93,6 +93,24 @@ private slots:
         QVERIFY(error.contains(QLatin1String("refused")));
     }
 
+    // Result codes end a listing only as lines of their own: a call that
+    // rings in the middle, or the letters "OK" in a name, cut nothing.
+    void listingKeepsEveryEntry()
+    {
+        ZML_OPEN(zelmodems::sim::Make::Huawei);
+        sim.setReply("+CMGL=4", zelmodems::sim::Reply::raw(
+                                    "\r\n+CMGL: 1,1,\"BOOK\",23\r\n" + PDU_A + "\r\nRING\r\n"
+                                    "+CLIP: \"+79160000000\",145,,,\"TOKAREV\",0\r\n+CMGL: 2,1,,20\r\n" + PDU_B
+                                    + "\r\n+CMGL: 3,0,,23\r\n" + PDU_A + "\r\n\r\nOK\r\n"));
+        MessageStore store(&modem);
+        QList<StoredPdu> entries;
+        QVERIFY2(store.list(entries), qPrintable(store.lastError()));
+        QStringList got;
+        for (const StoredPdu& e : entries)
+            got << describe(e);
+        QCOMPARE(got, (QStringList{"1/1/0791/BOOK", "2/1/0791", "3/0/0791"}));
+    }
+
     void removeReportsEachResult()
     {
         ZML_OPEN(zelmodems::sim::Make::Huawei);
@@ -116,6 +134,53 @@ private slots:
         QVERIFY(!store.remove(-1));
         QVERIFY(!store.remove(MessageStore::MaxIndex + 1));
         QVERIFY(sim.commands().isEmpty());   // refused indexes are never sent
+    }
+
+    // A part ends sent, refused or unconfirmed, and is said to be so; a
+    // prompt that comes too late is cancelled with ESC, so that the modem
+    // reads the next command as a command.
+    void sendEndsAsTheModemSaid_data()
+    {
+        QTest::addColumn<QByteArray>("refusal");
+        QTest::addColumn<int>("promptDelay");
+        QTest::addColumn<int>("state");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("network out of order") << QByteArray("+CMS ERROR: 38") << 0 << int(SmsSender::Refused) << 38
+                                              << "refused: +CMS ERROR: 38 (network out of order)";
+        QTest::newRow("plain ERROR") << QByteArray("ERROR") << 0 << int(SmsSender::Refused) << -1
+                                     << "was refused: ERROR";
+        QTest::newRow("late prompt") << QByteArray() << 2300 << int(SmsSender::NotSent) << -1
+                                     << "gave no prompt for the PDU, nothing of it was sent";
+    }
+
+    void sendEndsAsTheModemSaid()
+    {
+        QFETCH(QByteArray, refusal);
+        QFETCH(int, promptDelay);
+        QFETCH(int, state);
+        QFETCH(int, code);
+        QFETCH(QString, error);
+        ZML_OPEN(zelmodems::sim::Make::Huawei);
+        sim.setSmsRefusal(refusal);
+        sim.setPromptDelay(promptDelay);
+        SmsSender sender(&modem);
+        sender.setConfirmTimeout(2000);
+        QList<int> reported;
+        sender.setPartHandler([&reported](int part, SmsSender::PartState s, int) { reported << part * 10 + s; });
+        QVERIFY(!sender.send(QStringLiteral("+79161234567"), QStringLiteral("hello")));
+        QCOMPARE(sender.partStates(), QList<SmsSender::PartState>{SmsSender::PartState(state)});
+        QCOMPARE(reported, state == SmsSender::NotSent ? QList<int>() : QList<int>{10 + state});
+        QVERIFY(!sender.unconfirmed());
+        QCOMPARE(sender.errorCode(), code);
+        QVERIFY2(sender.lastError().contains(error), qPrintable(sender.lastError()));
+        sim.waitUntilQuiet();
+        QVERIFY(sim.sentMessages().isEmpty());
+
+        sim.setSmsRefusal(QByteArray());
+        sim.setPromptDelay(0);
+        QVERIFY2(sender.send(QStringLiteral("+79161234567"), QStringLiteral("again")), qPrintable(sender.lastError()));
+        QCOMPARE(sim.sentMessages().size(), 1);
     }
 
     void sendConfirmsEveryPart_data()

@@ -1,6 +1,7 @@
 // USSD against the simulated modem, per dialect: the payload on the wire,
 // the reply wait and the decoding of "+CUSD" replies.
 #include "simfixture.h"
+#include "ussdrequest.h"
 
 #include <QTimer>
 
@@ -207,6 +208,34 @@ private slots:
         if (row.attempts > 1)
             QCOMPARE(ticks, 1);
         QCOMPARE(sim.hasVanished(), row.vanishMs > 0);
+    }
+
+    // The project's own request keeps every byte that arrives: a reply in
+    // the same write as the OK, or one that comes while the old wait would
+    // have re-identified the modem, and it never re-identifies.
+    void requestKeepsEveryByte_data()
+    {
+        QTest::addColumn<bool>("sameWrite");
+        QTest::addColumn<int>("delayMs");
+        QTest::newRow("reply right after OK") << true << 0;
+        QTest::newRow("reply between two waits") << false << 2050;
+    }
+
+    void requestKeepsEveryByte()
+    {
+        QFETCH(bool, sameWrite);
+        QFETCH(int, delayMs);
+        ZML_OPEN(Make::Cinterion);
+        if (sameWrite)
+            sim.setReply("+CUSD=1,\"*100#\",15", Reply::raw("\r\nOK\r\n" + Ussd::plain("Balans 7 r.") + "\r\n"));
+        else
+            sim.setUssdReply("*100#", Ussd::plain("Balans 7 r."));
+        sim.setUssdDelay(delayMs);
+        zelmodems::UssdRequest ussd(&modem);
+        QVERIFY2(ussd.send(QStringLiteral("*100#")), qPrintable(ussd.lastError()));
+        QCOMPARE(ussd.text(), QStringLiteral("Balans 7 r."));
+        QCOMPARE(ussd.status(), 0);
+        QVERIFY(!sim.commands().contains("I"));
     }
 };
 

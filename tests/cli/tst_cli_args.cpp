@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <csignal>
+
 using clitest::run;
 
 using zmltest::readFile;
@@ -133,6 +135,29 @@ private slots:
         QCOMPARE(dialer.state(), QProcess::Running);
         dialer.kill();
         dialer.waitForFinished();
+
+        // Ctrl-C while wvdialconf runs: it started with no signal blocked or
+        // ignored, and it ends with the tool.
+        QVERIFY(QDir().mkpath(work + "/modems"));
+        const QString mask = dir.filePath("mask");
+        QVERIFY(writeScript(bin + "/slow", "grep -E '^Sig(Blk|Ign)' /proc/$$/status > '" + mask.toUtf8()
+                                               + ".part'; echo \"Pid: $$\" >> '" + mask.toUtf8() + ".part'; mv '"
+                                               + mask.toUtf8() + ".part' '" + mask.toUtf8() + "'; exec sleep 30\n"));
+        QProcess tool;
+        tool.setProcessEnvironment(env);
+        tool.start(QStringLiteral(ZELMODEMS_PATH), {"wvdialconf", "--yes", "--program", bin + "/slow"});
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(mask), 10000);
+        ::kill(pid_t(tool.processId()), SIGINT);
+        QVERIFY(tool.waitForFinished(5000));
+        QVERIFY2(tool.exitCode() == 130, tool.readAllStandardError().constData());
+        const QList<QByteArray> lines = readFile(mask).trimmed().split('\n');
+        QCOMPARE(lines.size(), 3);
+        // SIGHUP, SIGINT, SIGPIPE, SIGTERM: bits 0, 1, 12 and 14.
+        for (const QByteArray& line : lines.mid(0, 2))
+            QVERIFY2((line.mid(7).trimmed().toULongLong(nullptr, 16) & 0x5003) == 0, line.constData());
+        // Gone, or a zombie waiting for whoever adopted it.
+        const QString stat = QStringLiteral("/proc/%1/stat").arg(QString::fromLatin1(lines.at(2).mid(5)));
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(stat) || readFile(stat).contains(") Z "), 5000);
     }
 
     void usageErrors_data()

@@ -116,7 +116,10 @@ private slots:
     }
 
     // A store of two long messages from two senders that share a reference,
-    // the lone first half of a third, and a stored outgoing message.
+    // the lone first half of a third, a stored outgoing message (and one
+    // whose status is the modem's own 7), port-addressed 8-bit data, a
+    // status report, and two long messages of one sender under one
+    // reference, stored A1 B1 A2 B2.
     std::unique_ptr<SimModem> storeModem()
     {
         auto modem = clitest::startModem(Make::Cinterion);
@@ -129,6 +132,14 @@ private slots:
         modem->storeSms(DeliverPdu::ucs2("+79031112233", t, "at 6", 7, 2, 2));
         modem->storeSms(DeliverPdu::ucs2("+79990000000", t, "first half", 9, 1, 2));
         modem->storeSms(zelmodems::encodeSmsSubmit("+79161234567", "Outgoing").at(0).toHex().toLatin1(), 3);
+        modem->storeSms(zelmodems::encodeSmsSubmit("+79167654321", "Sto sent").at(0).toHex().toLatin1(), 7);
+        modem->storeSms("07919761989901F0440B919761333333F30004621142907524211A0605040B8423F0010603BEAF8462696E6172"
+                        "797061796C6F6164");
+        modem->storeSms("07919761989901F0062A0B919761214365F7621142907524216211429075242146");
+        modem->storeSms(DeliverPdu::ucs2("+79995550000", t, "A1 ", 5, 1, 2));
+        modem->storeSms(DeliverPdu::ucs2("+79995550000", t, "B1 ", 5, 1, 2));
+        modem->storeSms(DeliverPdu::ucs2("+79995550000", t, "A2", 5, 2, 2));
+        modem->storeSms(DeliverPdu::ucs2("+79995550000", t, "B2", 5, 2, 2));
         return modem;
     }
 
@@ -136,24 +147,55 @@ private slots:
     {
         auto modem = storeModem();
         QVERIFY(modem);
+        // Every kind in full, by its TPDU type whatever the store's status.
+        const clitest::Result listed = run({"sms", "list", "--json", modem->devicePath()});
+        QVERIFY2(listed.exitCode == 0, listed.describe());
+        QHash<QString, QJsonObject> byKind;
+        int ambiguous = 0;
+        for (const QJsonValue& value : listed.json().value("messages").toArray()) {
+            const QJsonObject m = value.toObject();
+            byKind.insert(m.value("kind").toString() + (m.contains("data") ? "-data" : "")
+                              + (m.value("status").toString() == "unknown" ? "-7" : ""),
+                          m);
+            ambiguous += m.value("ambiguous").toBool() ? 1 : 0;
+            QVERIFY2(!m.value("text").toString().startsWith("A1 B1") && m.value("text") != "B1 A2", listed.describe());
+        }
+        QCOMPARE(ambiguous, 4);
+        QCOMPARE(byKind.value("submit-7").value("recipient").toString(), QStringLiteral("+79167654321"));
+        const QJsonObject data = byKind.value("deliver-data");
+        QCOMPARE(data.value("data").toString(), QStringLiteral("010603BEAF8462696E6172797061796C6F6164"));
+        QCOMPARE(data.value("destinationPort").toInt(), 2948);
+        QCOMPARE(data.value("originatorPort").toInt(), 9200);
+        const QJsonObject report = byKind.value("status-report");
+        QCOMPARE(report.value("recipient").toString(), QStringLiteral("+79161234567"));
+        QCOMPARE(report.value("reference").toInt(), 42);
+        QCOMPARE(report.value("reportStatus").toInt(), 0x46);
+        QVERIFY2(report.value("dischargeTime").toString().startsWith("2026-11-24T09:57:42"), listed.describe());
+        const clitest::Result text = run({"sms", "list", modem->devicePath()});
+        QVERIFY2(text.out.contains("status report for message 42 to +79161234567") && text.out.contains("(0x46)")
+                     && text.out.contains("data, 19 octet(s), port 2948 (from port 9200):")
+                     && text.out.contains("to +79167654321") && text.out.contains("not joined"),
+                 text.describe());
+
         // Output that cannot be written: nothing is deleted.
         const clitest::Result full = run({"sms", "take", modem->devicePath()}, 30000, clitest::environment(),
                                          QStringLiteral("/dev/full"));
         QCOMPARE(full.exitCode, 1);
         QVERIFY2(full.err.contains("none was deleted"), full.describe());
-        QCOMPARE(modem->storedSms().size(), 6);
+        QCOMPARE(modem->storedSms().size(), 13);
 
         const clitest::Result taken = run({"sms", "take", modem->devicePath()});
         QVERIFY2(taken.exitCode == 0, taken.describe());
-        QVERIFY2(taken.out.startsWith("2 message(s), taken from the modem:"), taken.describe());
-        QCOMPARE(modem->storedSms().size(), 2);   // the lone half and the outgoing one stay
+        QVERIFY2(taken.out.startsWith("4 message(s), taken from the modem:"), taken.describe());
+        // The lone half, both outgoing ones and the four doubtful halves stay.
+        QCOMPARE(modem->storedSms().size(), 7);
 
         const int left = modem->storedSms().firstKey();
         const clitest::Result deleted = run({"sms", "delete", modem->devicePath(), QString::number(left), "29"});
         QCOMPARE(deleted.exitCode, 1);   // 29 was never there: reported, the other deleted
         QVERIFY2(deleted.out.contains(QStringLiteral("Deleted message %1.").arg(left)), deleted.describe());
         QVERIFY2(deleted.err.contains("+CMS ERROR: 321"), deleted.describe());
-        QCOMPARE(modem->storedSms().size(), 1);
+        QCOMPARE(modem->storedSms().size(), 6);
     }
 
     void smsSendConfirmedOrRefused()

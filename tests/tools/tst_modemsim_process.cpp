@@ -85,6 +85,54 @@ private slots:
         QCOMPARE(QString(again).replace(replayed, device), live);
     }
 
+    // --record writes only a new file of its own, relays only a terminal,
+    // and a modem that vanishes is recorded, named and replayed as such.
+    void recordingTakesNothing()
+    {
+        QTemporaryDir dir;
+        QProcess sim;
+        const QString device = startSim(sim, {QStringLiteral("--make"), QStringLiteral("huawei"),
+                                              QStringLiteral("--set"), QStringLiteral("vanish-after 12"),
+                                              QStringLiteral("--link-dir"), dir.path()});
+        QVERIFY(!device.isEmpty());
+        const QString notes = dir.filePath(QStringLiteral("notes.txt"));
+        const QString link = dir.filePath(QStringLiteral("link.jsonl"));
+        QFile file(notes);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("mine\n");
+        file.close();
+        QVERIFY(QFile::link(notes, link));
+        const QString fresh = dir.filePath(QStringLiteral("fresh.jsonl"));
+        for (const QStringList& args : {QStringList{"signal", device, "--record", notes},
+                                        QStringList{"signal", device, "--record", link},
+                                        QStringList{"signal", notes, "--record", fresh}}) {
+            const QString out = runTool(args);
+            QVERIFY2(out.startsWith("failed: ") && out.contains(args.at(3) == fresh ? "not a serial port" : "exists"),
+                     qPrintable(out));
+            QCOMPARE(zmltest::readFile(notes), QByteArray("mine\n"));
+            QVERIFY(!QFile::exists(fresh));
+        }
+
+        // The modem vanishes in mid-session: said of the user's port.
+        const QString live = runTool({QStringLiteral("info"), device, QStringLiteral("--record"), fresh});
+        QVERIFY2(live.startsWith("failed: ") && live.contains(device) && !live.contains("/dev/pts"), qPrintable(live));
+        // Owner, group, others (the "user" bits are this process's view).
+        QCOMPARE(QFile(fresh).permissions() & 0x7077, QFile::ReadOwner | QFile::WriteOwner);
+        const QList<QByteArray> lines = zmltest::readFile(fresh).trimmed().split('\n');
+        QCOMPARE(QJsonDocument::fromJson(lines.first()).object().value("port").toString(), device);
+        QCOMPARE(QJsonDocument::fromJson(lines.last()).object().value("event").toString(), QStringLiteral("gone"));
+        sim.terminate();
+        QVERIFY(sim.waitForFinished(5000));
+
+        QProcess replay;
+        const QString replayed = startSim(replay, {QStringLiteral("--replay"), fresh});
+        QVERIFY(!replayed.isEmpty());
+        const QString again = runTool({QStringLiteral("info"), replayed});
+        replay.terminate();
+        QVERIFY(replay.waitForFinished(5000));
+        QCOMPARE(QString(again).replace(replayed, device), live);
+    }
+
     void scriptedModem()
     {
         // A support engineer's reproduction of a field report: a script file

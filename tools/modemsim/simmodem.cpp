@@ -65,6 +65,8 @@ struct SimModem::Private
     QMap<int, StoredSms> sms;
     int smsListLimit = -1;
     bool smsConfirm = true;              // the network confirms a sent message
+    QByteArray smsRefusal;               // the result code that refuses it instead
+    int promptDelayMs = 0;               // the "> " prompt comes this late
 
     // Owned by the modem's thread.
     int master = -1;
@@ -466,6 +468,18 @@ void SimModem::setSmsConfirmation(bool on)
     d->smsConfirm = on;
 }
 
+void SimModem::setSmsRefusal(const QByteArray& resultCode)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->smsRefusal = resultCode;
+}
+
+void SimModem::setPromptDelay(int ms)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->promptDelayMs = ms;
+}
+
 QList<QPair<QByteArray, QByteArray>> SimModem::sentMessages() const
 {
     std::lock_guard<std::mutex> lock(d->mutex);
@@ -649,13 +663,18 @@ void SimModem::Private::feed(const QByteArray& data)
                 if (c == 0x1a) {
                     int reference;
                     bool confirm;
+                    QByteArray refusal;
                     {
                         std::lock_guard<std::mutex> lock(mutex);
-                        sent.append(qMakePair(smsNumber, smsText));
+                        refusal = smsRefusal;
+                        if (refusal.isEmpty())
+                            sent.append(qMakePair(smsNumber, smsText));
                         reference = sent.size();
                         confirm = smsConfirm;
                     }
-                    if (confirm)
+                    if (!refusal.isEmpty())
+                        send(Reply::raw("\r\n" + refusal + "\r\n"));
+                    else if (confirm)
                         send(Reply::ok("+CMGS: " + QByteArray::number(reference)));
                 } else {
                     send(Reply::ok());
@@ -849,7 +868,9 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         smsPrompt = true;
         smsNumber = textMode == 1 ? command.mid(6) : QByteArray();
         smsText.clear();
-        return Reply::raw("\r\n> ");
+        Reply prompt = Reply::raw("\r\n> ");
+        prompt.delayMs = promptDelayMs;
+        return prompt;
     }
     return Reply::error();
 }

@@ -213,6 +213,12 @@ public:
     // Whether the network confirms a sent message ("+CMGS: <reference>"
     // and OK, at start); off, the modem takes the text and stays silent.
     void setSmsConfirmation(bool on);
+    // The network refuses every sent message with this result code
+    // ("+CMS ERROR: 38", "ERROR") instead of confirming it; empty: off.
+    void setSmsRefusal(const QByteArray& resultCode);
+    // The "> " prompt of AT+CMGS comes this late (the modem already takes
+    // text, and ESC cancels it).
+    void setPromptDelay(int ms);
 
 private:
     struct Private;

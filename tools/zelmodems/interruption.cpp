@@ -5,7 +5,10 @@
 #include <QMutex>
 #include <QStringList>
 
+#include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -15,6 +18,12 @@ namespace {
 
 QMutex folderMutex;
 QStringList folders;
+QByteArray progressOut;
+QByteArray progressErr;
+std::atomic<int> caught{ 0 };
+
+// The handler's only act: the signal's number down a pipe to the watcher.
+int wakePipe[2] = { -1, -1 };
 
 // Where QSerialPort and the appliance's tools keep "LCK..<device>" files.
 const char* const LOCK_DIRECTORIES[] = { "/var/lock", "/run/lock", "/etc/locks", "/var/spool/locks",
@@ -44,20 +53,62 @@ void removeOwnLocks()
     }
 }
 
-void* watch(void* arg)
+// The tool's own children (wvdialconf, and what a command started) end
+// with it: a SIGTERM sent to the tool alone would otherwise leave them.
+void endChildren(int signal)
 {
-    sigset_t* set = static_cast<sigset_t*>(arg);
-    int signal = 0;
-    while (sigwait(set, &signal) != 0) {
+    const QByteArray self = QByteArray::number(qint64(::getpid()));
+    const QDir proc(QStringLiteral("/proc"));
+    for (const QString& entry : proc.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        bool numeric = false;
+        const qint64 pid = entry.toLongLong(&numeric);
+        if (!numeric || pid == ::getpid())
+            continue;
+        QFile status(proc.filePath(entry) + QStringLiteral("/status"));
+        if (!status.open(QIODevice::ReadOnly))
+            continue;
+        for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
+            if (line.startsWith("PPid:")) {
+                if (line.mid(5).trimmed() == self)
+                    ::kill(pid_t(pid), signal == SIGHUP ? SIGHUP : SIGTERM);
+                break;
+            }
+        }
     }
+}
+
+void onSignal(int signal)
+{
+    const int saved = errno;
+    const char byte = char(signal);
+    (void)!::write(wakePipe[1], &byte, 1);
+    errno = saved;
+}
+
+void* watch(void*)
+{
+    char byte = 0;
+    while (::read(wakePipe[0], &byte, 1) != 1) {
+    }
+    const int signal = byte;
+    // Set before the children end: the main thread that sees one end
+    // learns it was the interruption, and leaves the exit to this thread.
+    caught = signal;
+    endChildren(signal);
     removeOwnLocks();
+    QByteArray out;
+    QByteArray err;
     {
         QMutexLocker lock(&folderMutex);
         for (const QString& folder : qAsConst(folders))
             QDir(folder).removeRecursively();
+        out = progressOut;
+        err = progressErr;
     }
+    if (!out.isEmpty())
+        (void)!::write(STDOUT_FILENO, out.constData(), size_t(out.size()));
     const char* name = signal == SIGINT ? "interrupted" : signal == SIGTERM ? "terminated" : "hung up";
-    const QByteArray text = QByteArray("\nzelmodems: ") + name + "; ports released\n";
+    const QByteArray text = QByteArray("\nzelmodems: ") + name + "; ports released\n" + err;
     (void)!::write(STDERR_FILENO, text.constData(), size_t(text.size()));
     ::_exit(128 + signal);
     return nullptr;
@@ -67,15 +118,19 @@ void* watch(void* arg)
 
 void install()
 {
-    static sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
-    sigaddset(&set, SIGHUP);
-    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    if (::pipe2(wakePipe, O_CLOEXEC) != 0)
+        return;
     pthread_t thread;
-    if (pthread_create(&thread, nullptr, watch, &set) == 0)
+    if (pthread_create(&thread, nullptr, watch, nullptr) == 0)
         pthread_detach(thread);
+    // A caught signal is reset to its default in a program the tool
+    // starts; a blocked or ignored one would stay so there.
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    for (const int signal : { SIGINT, SIGTERM, SIGHUP })
+        ::sigaction(signal, &action, nullptr);
 }
 
 void removeOnInterrupt(const QString& folder)
@@ -88,6 +143,19 @@ void keepOnInterrupt(const QString& folder)
 {
     QMutexLocker lock(&folderMutex);
     folders.removeAll(folder);
+}
+
+void holdIfInterrupted()
+{
+    while (caught.load() != 0)
+        ::pause();
+}
+
+void setProgress(const QByteArray& out, const QByteArray& err)
+{
+    QMutexLocker lock(&folderMutex);
+    progressOut = out;
+    progressErr = err;
 }
 
 } // namespace Interruption

@@ -19,8 +19,12 @@ int main(int argc, char** argv)
     // Before any thread starts: Ctrl-C and SIGTERM release the ports.
     Interruption::install();
     // A reader that goes away (a closed pipe) is a write error to report,
-    // not a reason to die half-way.
-    ::signal(SIGPIPE, SIG_IGN);
+    // not a reason to die half-way. Caught rather than ignored, so that a
+    // program the tool starts gets the default back.
+    struct sigaction pipeAction = {};
+    pipeAction.sa_handler = [](int) {};
+    sigemptyset(&pipeAction.sa_mask);
+    ::sigaction(SIGPIPE, &pipeAction, nullptr);
     // The library logs its AT dialogue; a command-line user wants the results,
     // not the dialogue, unless asked for it. Environment rules outrank the
     // rules the library sets, and are read when the application starts.
@@ -97,6 +101,7 @@ int main(int argc, char** argv)
     zelmodems::DeclaredPorts ports;
     ports.install();
     Report report = commands::dispatch(args);
+    Interruption::holdIfInterrupted();
     if (args.contains(QStringLiteral("--json")))
         report.setJsonOutput(true);
     const QString name = commands::nameOf(args);

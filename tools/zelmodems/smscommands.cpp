@@ -2,6 +2,7 @@
 #include "commandline.h"
 #include "tooltext.h"
 #include "commands.h"
+#include "interruption.h"
 #include "messagestore.h"
 #include "pdu.h"
 #include "modemcommand.h"
@@ -10,6 +11,7 @@
 #include "storedmessages.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -337,13 +339,75 @@ Report smsSend(const QStringList& args)
         }
         zelmodems::SmsSender sender(&session.modem());
         sender.setConfirmTimeout(seconds * 1000);
+        // Cut short (Ctrl-C), the send still says how far it got: which
+        // parts went out, and that the one under way may still arrive.
+        const bool json = cl.json();
+        QList<zelmodems::SmsSender::PartState> states;
+        QList<int> partReferences;
+        auto progress = [&](int under) {
+            QJsonArray parts;
+            QStringList sent;
+            for (int i = 0; i < states.size(); ++i) {
+                QJsonObject part{{QStringLiteral("part"), i + 1}};
+                const bool current = i + 1 == under && states.at(i) == zelmodems::SmsSender::NotSent;
+                part.insert(QStringLiteral("state"), current ? QStringLiteral("interrupted")
+                                                             : zelmodems::SmsSender::stateName(states.at(i)));
+                if (partReferences.at(i) >= 0) {
+                    part.insert(QStringLiteral("reference"), partReferences.at(i));
+                    sent << QStringLiteral("%1 (reference %2)").arg(i + 1).arg(partReferences.at(i));
+                }
+                parts.append(part);
+            }
+            const QJsonObject object{{QStringLiteral("number"), number}, {QStringLiteral("parts"), states.size()},
+                                     {QStringLiteral("partResults"), parts}, {QStringLiteral("interrupted"), true},
+                                     {QStringLiteral("sent"), false}};
+            const QString text =
+                Tool::tr("message to %1: %2 of %3 part(s) sent%4; part %5 was being handed to the modem and "
+                         "may still arrive; check before sending again\n")
+                    .arg(number).arg(sent.size()).arg(states.size())
+                    .arg(sent.isEmpty() ? QString() : QStringLiteral(": ") + sent.join(QStringLiteral(", ")))
+                    .arg(under);
+            Interruption::setProgress(json ? QJsonDocument(object).toJson(QJsonDocument::Indented) : QByteArray(),
+                                      text.toUtf8());
+        };
+        sender.setPartHandler([&](int part, zelmodems::SmsSender::PartState state, int reference) {
+            while (states.size() < part) {
+                states << zelmodems::SmsSender::NotSent;
+                partReferences << -1;
+            }
+            states[part - 1] = state;
+            partReferences[part - 1] = reference;
+            progress(part + 1);
+        });
+        const int expected = zelmodems::encodeSmsSubmit(number, text).size();
+        for (int i = 0; i < expected; ++i) {
+            states << zelmodems::SmsSender::NotSent;
+            partReferences << -1;
+        }
+        if (expected > 0)
+            progress(1);
         const bool sent = sender.send(number, text);
+        Interruption::setProgress(QByteArray(), QByteArray());
         QJsonArray references;
         for (const int r : sender.references())
             references.append(r);
+        QJsonArray partResults;
+        const QList<zelmodems::SmsSender::PartState> finalStates = sender.partStates();
+        for (int i = 0; i < finalStates.size(); ++i) {
+            QJsonObject part{{QStringLiteral("part"), i + 1},
+                             {QStringLiteral("state"), zelmodems::SmsSender::stateName(finalStates.at(i))}};
+            if (finalStates.at(i) == zelmodems::SmsSender::Sent && i < sender.references().size())
+                part.insert(QStringLiteral("reference"), sender.references().at(i));
+            if (finalStates.at(i) == zelmodems::SmsSender::Refused && sender.errorCode() >= 0) {
+                part.insert(QStringLiteral("errorCode"), sender.errorCode());
+                part.insert(QStringLiteral("errorMeaning"), zelmodems::SmsSender::errorMeaning(sender.errorCode()));
+            }
+            partResults.append(part);
+        }
         report.json().insert(QStringLiteral("number"), number);
         report.json().insert(QStringLiteral("parts"), sender.partCount());
         report.json().insert(QStringLiteral("references"), references);
+        report.json().insert(QStringLiteral("partResults"), partResults);
         report.json().insert(QStringLiteral("sent"), sent);
         if (!sent) {
             report.fail(Tool::tr("message to %1: %2").arg(number, sender.lastError()));
