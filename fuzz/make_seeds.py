@@ -229,6 +229,45 @@ def lockfile_seeds():
     return [bytes([flags]) + c for c in contents for flags in (0, 1, 2)]
 
 
+def sending_seeds():
+    # Mode 0: the answer to PDU mode; 1: the network's answer to the PDU
+    # (4: a long message); 2: the answer to the USSD request; 3: the text the
+    # input checks read.
+    answers = [
+        (0, b""), (0, b"\r\n+CMS ERROR: 302"), (0, b"RING\r\n+CLIP: \"+79160000000\",145"),
+        (1, b"\r\n+CMGS: 42"), (5, b"\r\n+CMGS: 42"), (1, b"\r\n+CMS ERROR: 38\r\nERROR"),
+        (1, b"\r\n+CMGS: 99999999999"), (1, b"\r\nRING\r\n+CMTI: \"SM\",3\r\n+CMGS: 7"),
+        (2, b'\r\n+CUSD: 0,"Balans 7 r.",15'), (2, b'\r\n+CUSD: 1,"1. Tarif\r\n2. Balans",15'),
+        (2, b'\r\n+CUSD: 0,"open quote'), (2, b"\r\n+CME ERROR: Unexpected Data Value"),
+        (3, b"+79161234567"), (3, b"+79161234567;+CMGD=1,4"), (3, "*100#\u202e".encode()),
+        (3, b"hello\x1aAT+CFUN=0\r"),
+    ]
+    return [bytes([sel]) + answer for sel, answer in answers]
+
+
+def store_grouping_seeds():
+    # Parts (mode < 0x80: sender = mode % 3, status from mode >> 2; then
+    # reference, count, part) and raw PDUs (0x80 and up, bytes to a
+    # backslash). The two long messages of one sender under one reference,
+    # stored A1 B1 A2 B2; a whole one; a lone half; a status report.
+    report = bytes.fromhex("07919761989901F0062A0B919761214365F7621142907524216211429075242146")
+    return [
+        bytes([0, 1, 2, 1, 0, 1, 2, 1, 0, 1, 2, 2, 0, 1, 2, 2]),
+        bytes([4, 2, 2, 1, 4, 2, 2, 2, 1, 3, 2, 1]),
+        bytes([0x84]) + report.replace(b"\\", b"\\\\") + b"\\" + bytes([2, 0, 1, 1]),
+    ]
+
+
+def sim_loaders_seeds():
+    # A recording (mode 0) and a script (mode 1) as the programs write them.
+    recording = (b'{"zelmodemsRecording":1,"port":"ttyUSB2","device":"/dev/ttyUSB2"}\n'
+                 b'{"ms":1,"dir":">","speed":115200,"hex":"41540D","text":"AT\\\\x0d"}\n'
+                 b'{"ms":3,"dir":"<","speed":115200,"hex":"0D0A4F4B0D0A","text":""}\n'
+                 b'{"ms":9,"event":"gone"}\n')
+    script = b"# field report\nsignal 99,99\nussd-status *100# 4\nsms +79161234567 Hello\nvanish-after 3\n"
+    return [bytes([0]) + recording, bytes([1]) + script, bytes([0]) + b"not json\n", bytes([1]) + b"signal strong\n"]
+
+
 TARGETS = {
     "fuzz_sms_decode": sms_seeds,
     "fuzz_modemname": modemname_seeds,
@@ -242,6 +281,9 @@ TARGETS = {
     "fuzz_modem_answers": modem_answers_seeds,
     "fuzz_answer_parsers": answer_parsers_seeds,
     "fuzz_lockfile": lockfile_seeds,
+    "fuzz_sending": sending_seeds,
+    "fuzz_store_grouping": store_grouping_seeds,
+    "fuzz_sim_loaders": sim_loaders_seeds,
 }
 
 

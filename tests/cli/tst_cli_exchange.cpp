@@ -4,6 +4,7 @@
 #include "pdu.h"
 
 #include <QElapsedTimer>
+#include <QJsonDocument>
 #include <QProcess>
 #include <QSerialPort>
 #include <QtTest>
@@ -219,6 +220,18 @@ private slots:
         QVERIFY(!modem->commands().contains("+CFUN=0"));
         QCOMPARE(modem->sentMessages().size(), 1);
 
+        // Refused is told apart from unconfirmed: it will not arrive.
+        modem->setSmsRefusal("+CMS ERROR: 38");
+        const clitest::Result refused = run({"sms", "send", "--json", modem->devicePath(), "+79161234567", "x"});
+        QCOMPARE(refused.exitCode, 1);
+        const QJsonObject part = refused.json().value("partResults").toArray().at(0).toObject();
+        QCOMPARE(part.value("state").toString(), QStringLiteral("refused"));
+        QCOMPARE(part.value("errorCode").toInt(), 38);
+        QVERIFY2(refused.json().value("error").toString().contains("network out of order")
+                     && !refused.json().value("error").toString().contains("may still arrive"),
+                 refused.describe());
+        modem->setSmsRefusal(QByteArray());
+
         modem->setSmsConfirmation(false);
         const clitest::Result silent = run({"sms", "send", modem->devicePath(), "--wait", "1", "+79161234567", "x"});
         QCOMPARE(silent.exitCode, 1);
@@ -256,6 +269,61 @@ private slots:
         QString name = modem->devicePath();
         name = name.mid(name.startsWith("/dev/") ? 5 : 0).replace(QLatin1Char('/'), QLatin1Char('_'));
         QVERIFY(!QFile::exists(QStringLiteral("/var/lock/LCK..") + name));
+    }
+
+    // Ctrl-C in the middle of a long message: the user learns which parts
+    // went out (text for a person, JSON for a program).
+    void interruptedSendSaysWhatWentOut()
+    {
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        auto prompts = std::make_shared<int>(0);
+        modem->addHandler([prompts](const QByteArray& command) -> std::optional<zelmodems::sim::Reply> {
+            if (command.startsWith("+CMGS=") && ++*prompts == 2)
+                return zelmodems::sim::Reply::none();   // the second part hangs
+            return std::nullopt;
+        });
+        QProcess tool;
+        tool.setProcessEnvironment(clitest::environment());
+        tool.start(QStringLiteral(ZELMODEMS_PATH),
+                   {"sms", "send", "--json", modem->devicePath(), "+79161234567", QString(400, QLatin1Char('x'))});
+        QVERIFY(tool.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(*prompts == 2, 20000);
+        ::kill(pid_t(tool.processId()), SIGINT);
+        QVERIFY(tool.waitForFinished(5000));
+        QCOMPARE(tool.exitCode(), 130);
+        const QJsonObject json = QJsonDocument::fromJson(tool.readAllStandardOutput()).object();
+        QStringList states;
+        for (const QJsonValue& part : json.value("partResults").toArray())
+            states << part.toObject().value("state").toString();
+        QCOMPARE(states, (QStringList{"sent", "interrupted", "not sent"}));
+        QCOMPARE(json.value("partResults").toArray().at(0).toObject().value("reference").toInt(), 1);
+        const QString err = QString::fromUtf8(tool.readAllStandardError());
+        QVERIFY2(err.contains("1 of 3 part(s) sent: 1 (reference 1); part 2 was being handed to the modem"),
+                 qPrintable(err));
+    }
+
+    // What modems and senders write cannot drive the terminal: escape
+    // sequences, a line feed in a sender's name, bidirectional overrides.
+    void terminalSafety()
+    {
+        auto modem = clitest::startModem(Make::Cinterion);
+        QVERIFY(modem);
+        modem->setAnswer("I", "Cinterion\x1b]0;OWNED\x07\x1b[2J");
+        modem->storeSms(DeliverPdu::ucs2("Bank\n(3) x", QDateTime::currentDateTimeUtc(),
+                                         QStringLiteral("pay \u202Eevil\u2066 now\n[2] from +7916")));
+        const clitest::Result r = run({"sms", "list", "--verbose", modem->devicePath()});
+        QVERIFY2(r.exitCode == 0, r.describe());
+        for (const QString& output : {r.out, r.err}) {
+            QVERIFY2(!output.contains(QChar(0x1b)) && !output.contains(QChar(0x202E)) && !output.contains(QChar(0x2066))
+                         && !output.contains(QChar(0x07)),
+                     r.describe());
+        }
+        QVERIFY2(r.out.contains("pay \\u202eevil\\u2066 now"), r.describe());
+        QVERIFY2(r.err.contains("\\x1b]0;OWNED"), r.describe());
+        QVERIFY2(r.out.contains("from Bank\\x0a(3) x"), r.describe());
+        // The text's own line break is indented, so it cannot pass for a header.
+        QVERIFY2(r.out.contains("\n  [2] from +7916"), r.describe());
     }
 };
 
