@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         if (!message.complete())
             continue;
         ZML_FUZZ_CHECK(message.indexes.size() == message.partCount);
-        ZML_FUZZ_CHECK(message.partsPresent.toSet().size() == message.partCount);
+        ZML_FUZZ_CHECK(QSet<int>(message.partsPresent.begin(), message.partsPresent.end()).size() == message.partCount);
         const ShortMessage first = ShortMessage::decode(entries.at(message.indexes.first() - 1).pdu());
         for (const int index : message.indexes) {
             const ShortMessage part = ShortMessage::decode(entries.at(index - 1).pdu());

@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
-# Proves that a bare Debian 12 machine runs the README's two commands: builds
-# a minimal Debian root (mmdebstrap --variant=minbase, from the apt sources
-# this machine uses), clones the repository into it and runs the commands of
-# the README's first code block there, one after the other, under chroot in
-# a private mount namespace, so that no mount outlives the run. The root is
-# removed afterwards.
+# Proves that bare Debian 12 (bookworm) and Debian 13 (trixie, the current
+# stable) machines run the README's two commands: for each release, builds a
+# minimal Debian root (mmdebstrap --variant=minbase, from the apt sources
+# this machine uses, with the release's name in them), clones the repository
+# into it and runs the commands of the README's first code block there, one
+# after the other, under chroot in a private mount namespace, so that no
+# mount outlives the run. Each root is removed afterwards.
 #
-#   tools/check-fresh-machine.sh            the committed HEAD of this clone
+#   tools/check-fresh-machine.sh            the committed HEAD of this clone, both releases
+#   tools/check-fresh-machine.sh --release trixie
+#                                           one release only (bookworm or trixie)
 #   tools/check-fresh-machine.sh --keep     keep the root for a look inside
 #   tools/check-fresh-machine.sh --also "tools/make-packages.sh" --also ...
 #                                           run more commands there afterwards
@@ -18,12 +21,16 @@ set -uo pipefail
 repo="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 keep=0
 also=()
+releases=()
 while [ $# -gt 0 ]; do
     case "$1" in
         --keep) keep=1 ;;
         --also) [ $# -ge 2 ] || { echo "check-fresh-machine: --also needs a command" >&2; exit 2; }
                 also+=("$2"); shift ;;
-        -h|--help) sed -n '2,17p' "$0"; exit 0 ;;
+        --release) [ $# -ge 2 ] && [[ "$2" =~ ^(bookworm|trixie)$ ]] \
+                       || { echo "check-fresh-machine: --release takes bookworm or trixie" >&2; exit 2; }
+                   releases+=("$2"); shift ;;
+        -h|--help) sed -n '2,20p' "$0"; exit 0 ;;
         *) echo "check-fresh-machine: unknown argument '$1'" >&2; exit 2 ;;
     esac
     shift
@@ -81,43 +88,64 @@ for f in /etc/apt/apt.conf.d/*; do
     [ -f "$f" ] && grep -q '^[[:space:]]*Acquire::' "$f" && aptopts+=(--aptopt="$f")
 done
 
-work="$(mktemp -d "${ZELMODEMS_FRESH_DIR:-/var/tmp}/zelmodems-fresh.XXXXXX")" || fail "no scratch folder"
-root="$work/root"
-echo "check-fresh-machine: building a bare Debian 12 root in $root"
-# mmdebstrap mounts /proc, /sys and /dev in the root while it installs; in a
-# private mount namespace of its own none of them can be left behind.
-unshare --mount --fork /bin/bash -c 'mount --make-rprivate / && exec "$@"' mmdebstrap \
-    mmdebstrap --mode=root --variant=minbase "${aptopts[@]}" bookworm "$root" "${mirrors[@]}" \
-    >>"$log" 2>&1 || fail "mmdebstrap could not build the Debian root"
-cp /etc/resolv.conf "$root/etc/resolv.conf"
-git clone --quiet "$repo" "$root/work/zelmodemslib" >>"$log" 2>&1 || fail "git clone into the root"
+[ ${#releases[@]} -gt 0 ] || releases=(bookworm trixie)
 
-# One shell in the root runs the commands in order and stops at the first
-# that fails, naming it on its last line.
-script=""
-for c in "${commands[@]}"; do
-    script+="echo \"== fresh machine: $c\"; $c || { echo \"FAILED-COMMAND: $c\"; exit 1; }; "
-done
-echo "check-fresh-machine: running in the root: ${commands[*]}"
-start=$SECONDS
-unshare --mount --fork /bin/bash -c '
-    set -e
-    root="$1"; script="$2"
-    mount --make-rprivate /
-    mount -t proc proc "$root/proc"
-    mount --rbind /sys "$root/sys"
-    mount --rbind /dev "$root/dev"
-    chroot "$root" /usr/bin/env -i HOME=/root PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
-        LANG=C.UTF-8 /bin/bash -c "cd /work/zelmodemslib && $script"
-' check-fresh-machine "$root" "$script" >>"$log" 2>&1
-status=$?
-if [ "$status" -ne 0 ]; then
-    failed="$(sed -n 's/^FAILED-COMMAND: //p' "$log" | tail -n 1)"
-    if [ -n "$failed" ]; then
-        fail "'$failed' failed on a bare Debian 12 root (log: $log)"
+# One release: its root built, the commands run in it, the root removed.
+check_release() {
+    local release="$1" name
+    name="Debian $([ "$release" = trixie ] && echo 13 || echo 12) ($release)"
+    work="$(mktemp -d "${ZELMODEMS_FRESH_DIR:-/var/tmp}/zelmodems-fresh.XXXXXX")" || fail "no scratch folder"
+    root="$work/root"
+    # This machine's sources, naming the release instead of its own.
+    local sources=()
+    for f in "${mirrors[@]}"; do
+        local copy="$work/$(basename "$f")"
+        sed -E "s/\b(bookworm|trixie)(-updates|-security)?\b/${release}\2/g" "$f" >"$copy"
+        sources+=("$copy")
+    done
+    echo "check-fresh-machine: building a bare $name root in $root"
+    # mmdebstrap mounts /proc, /sys and /dev in the root while it installs; in a
+    # private mount namespace of its own none of them can be left behind.
+    unshare --mount --fork /bin/bash -c 'mount --make-rprivate / && exec "$@"' mmdebstrap \
+        mmdebstrap --mode=root --variant=minbase "${aptopts[@]}" "$release" "$root" "${sources[@]}" \
+        >>"$log" 2>&1 || fail "mmdebstrap could not build the $name root"
+    cp /etc/resolv.conf "$root/etc/resolv.conf"
+    git clone --quiet "$repo" "$root/work/zelmodemslib" >>"$log" 2>&1 || fail "git clone into the root"
+
+    # One shell in the root runs the commands in order and stops at the first
+    # that fails, naming it on its last line.
+    local script=""
+    for c in "${commands[@]}"; do
+        script+="echo \"== fresh machine: $c\"; $c || { echo \"FAILED-COMMAND: $c\"; exit 1; }; "
+    done
+    echo "check-fresh-machine: running in the $name root: ${commands[*]}"
+    local start=$SECONDS
+    echo "== check-fresh-machine: $name" >>"$log"
+    unshare --mount --fork /bin/bash -c '
+        set -e
+        root="$1"; script="$2"
+        mount --make-rprivate /
+        mount -t proc proc "$root/proc"
+        mount --rbind /sys "$root/sys"
+        mount --rbind /dev "$root/dev"
+        chroot "$root" /usr/bin/env -i HOME=/root PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+            LANG=C.UTF-8 /bin/bash -c "cd /work/zelmodemslib && $script"
+    ' check-fresh-machine "$root" "$script" >>"$log" 2>&1
+    local status=$?
+    if [ "$status" -ne 0 ]; then
+        local failed
+        failed="$(sed -n 's/^FAILED-COMMAND: //p' "$log" | tail -n 1)"
+        if [ -n "$failed" ]; then
+            fail "'$failed' failed on a bare $name root (log: $log)"
+        fi
+        fail "could not run the commands in the $name root (status $status; log: $log)"
     fi
-    fail "could not run the commands in the root (status $status; log: $log)"
-fi
-echo "check-fresh-machine: passed in $((SECONDS - start)) s on a bare Debian 12 root (log: $log)"
-cleanup
+    echo "check-fresh-machine: passed in $((SECONDS - start)) s on a bare $name root (log: $log)"
+    cleanup
+    work=""
+}
+
+for release in "${releases[@]}"; do
+    check_release "$release"
+done
 exit 0

@@ -33,6 +33,14 @@ struct Pending {
     qint64 goneMs = -1;     // the device went away then
 };
 
+// An event's time since the start; a time no recording can hold (negative,
+// not a number, past a year) reads as 0.
+qint64 millisecondsOf(const QJsonObject& event)
+{
+    const double ms = event.value(QStringLiteral("ms")).toDouble();
+    return ms >= 0 && ms <= 365.0 * 24 * 3600 * 1000 ? qint64(ms) : 0;
+}
+
 RecordedDialogue::Exchange finish(const Pending& p)
 {
     RecordedDialogue::Exchange e;
@@ -93,7 +101,7 @@ bool RecordedDialogue::load(const QString& path, QString* error)
                 current = std::make_unique<Pending>();
                 current->command = QByteArray();
             }
-            current->goneMs = qint64(event.value(QStringLiteral("ms")).toDouble());
+            current->goneMs = millisecondsOf(event);
             break;
         }
         const QString dir = event.value(QStringLiteral("dir")).toString();
@@ -101,7 +109,7 @@ bool RecordedDialogue::load(const QString& path, QString* error)
             *error = QStringLiteral("%1:%2: not an event of the recording").arg(path).arg(number);
             return false;
         }
-        const qint64 ms = qint64(event.value(QStringLiteral("ms")).toDouble());
+        const qint64 ms = millisecondsOf(event);
         const QByteArray bytes = QByteArray::fromHex(event.value(QStringLiteral("hex")).toString().toLatin1());
         const qint32 speed = event.value(QStringLiteral("speed")).toInt();
         if (speed > 0 && !m_speeds.contains(speed))
