@@ -14,6 +14,7 @@
 #include "atmodem.h"
 #include "messagestore.h"
 #include "simmodem.h"
+#include "simrig.h"
 
 #include <QVariantMap>
 
@@ -22,35 +23,16 @@
 
 ZML_FUZZ_INIT
 
-using zelmodems::sim::Reply;
-using zelmodems::sim::SimModem;
 
 namespace {
 
-struct Rig {
-    std::mutex mutex;
-    QByteArray answer;
-    SimModem sim{ zelmodems::sim::Make::SimCom };
-    AtModem modem;
-    bool ready = false;
-
-    Rig()
-    {
-        if (!sim.start())
-            return;
-        ready = modem.open(sim.devicePath(), 115200, 1);
-        sim.addHandler([this](const QByteArray& command) -> std::optional<Reply> {
-            if (command.isEmpty() || command.startsWith("E"))
-                return std::nullopt; // the channel's own AT and echo switching
-            std::lock_guard<std::mutex> lock(mutex);
-            return Reply::raw(answer);
-        });
-    }
-};
-
-Rig& rig()
+zmlfuzz::SimRig& rig()
 {
-    static Rig* instance = new Rig;   // lives for the whole run
+    // Lives for the whole run; the channel's own AT and echo switching get
+    // the modem's answers, every other command the input.
+    static auto* instance = new zmlfuzz::SimRig(zelmodems::sim::Make::SimCom, [](const QByteArray& command) {
+        return !command.isEmpty() && !command.startsWith("E");
+    });
     return *instance;
 }
 
@@ -60,15 +42,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     if (size < 1 || size > 256 * 1024)
         return 0;
-    Rig& r = rig();
+    zmlfuzz::SimRig& r = rig();
     // A rig that cannot open its modem would test nothing.
     ZML_FUZZ_CHECK(r.ready);
     const uint8_t selector = data[0];
-    {
-        std::lock_guard<std::mutex> lock(r.mutex);
-        r.answer = QByteArray(reinterpret_cast<const char*>(data + 1), int(size - 1))
-                 + ((selector & 0x80) ? "\r\nERROR\r\n" : "\r\nOK\r\n");
-    }
+    r.setAnswer(QByteArray(reinterpret_cast<const char*>(data + 1), int(size - 1))
+                + ((selector & 0x80) ? "\r\nERROR\r\n" : "\r\nOK\r\n"));
     AtModem& m = r.modem;
     QString text;
     QString other;

@@ -13,6 +13,7 @@
 #include "atinput.h"
 #include "atmodem.h"
 #include "simmodem.h"
+#include "simrig.h"
 #include "smssender.h"
 #include "ussdrequest.h"
 
@@ -22,36 +23,17 @@
 ZML_FUZZ_INIT
 
 using zelmodems::SmsSender;
-using zelmodems::sim::Reply;
-using zelmodems::sim::SimModem;
 
 namespace {
 
-struct Rig {
-    std::mutex mutex;
-    QByteArray mode;       // "+CMGF=0" or "+CUSD": the command the answer is for
-    QByteArray answer;
-    SimModem sim{ zelmodems::sim::Make::Cinterion };
-    AtModem modem;
-    bool ready = false;
+// The command whose answer is the input: "+CMGF=0", "+CUSD=1", or none.
+QByteArray fuzzedCommand;
 
-    Rig()
-    {
-        if (!sim.start())
-            return;
-        ready = modem.open(sim.devicePath(), 115200, 1);
-        sim.addHandler([this](const QByteArray& command) -> std::optional<Reply> {
-            std::lock_guard<std::mutex> lock(mutex);
-            if (!mode.isEmpty() && command.startsWith(mode))
-                return Reply::raw(answer);
-            return std::nullopt;
-        });
-    }
-};
-
-Rig& rig()
+zmlfuzz::SimRig& rig()
 {
-    static Rig* instance = new Rig;   // lives for the whole run
+    static auto* instance = new zmlfuzz::SimRig(zelmodems::sim::Make::Cinterion, [](const QByteArray& command) {
+        return !fuzzedCommand.isEmpty() && command.startsWith(fuzzedCommand);
+    });
     return *instance;
 }
 
@@ -90,13 +72,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     }
 
-    Rig& r = rig();
+    zmlfuzz::SimRig& r = rig();
     ZML_FUZZ_CHECK(r.ready);
     AtModem& m = r.modem;
     if ((selector & 3) == 2) {
         {
             std::lock_guard<std::mutex> lock(r.mutex);
-            r.mode = "+CUSD=1";
+            fuzzedCommand = "+CUSD=1";
             // A quote of the input left open is closed on a line of its own,
             // then the network ends the session: the wait always ends.
             r.answer = rest + "\r\nOK\r\n\"\r\n+CUSD: 2\r\n";
@@ -111,7 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     {
         std::lock_guard<std::mutex> lock(r.mutex);
-        r.mode = (selector & 3) == 0 ? QByteArray("+CMGF=0") : QByteArray();
+        fuzzedCommand = (selector & 3) == 0 ? QByteArray("+CMGF=0") : QByteArray();
         r.answer = rest + "\r\nOK\r\n";
     }
     // The network's answer to the PDU, then an OK.

@@ -115,6 +115,12 @@ private slots:
         QVERIFY2(modem.lastError().contains("ran past 2097152 bytes"), qPrintable(modem.lastError()));
         // The rest of the flood is read away by the next command, which works.
         QVERIFY(modem.sendCommand("", got, 10000));
+        // Raw data (a PDU after the prompt) meets the same bound.
+        sim.setReply("X", Reply::raw(QByteArray(2 * 1024 * 1024 + 100000, 'x')));
+        QVERIFY(!modem.sendRawCommand("ATX\r", got, 60000));
+        QCOMPARE(got.size(), 2 * 1024 * 1024);
+        QVERIFY2(modem.lastError().contains("ran past 2097152 bytes"), qPrintable(modem.lastError()));
+        QVERIFY(modem.sendCommand("", got, 10000));
     }
 
     // Unsolicited codes (RING, +CREG, +CMTI, ^RSSI) arriving between and
