@@ -198,6 +198,22 @@ LineChannel::Answer LineChannel::collect(const QByteArray& echo, const QByteArra
     }
 }
 
+void LineChannel::settle()
+{
+    if (m_settled)
+        return;
+    m_settled = true;
+    if (!readMore(0))
+        return;
+    QByteArray kept;
+    QByteArray line;
+    while (takeLine(line)) {
+        if (isUnsolicited(line))
+            kept += line + "\r\n";
+    }
+    m_pending.prepend(kept);
+}
+
 LineChannel::Answer LineChannel::command(const QByteArray& command, int timeoutMs, bool promptEnds)
 {
     const QByteArray full = "AT" + command;
@@ -207,8 +223,9 @@ LineChannel::Answer LineChannel::command(const QByteArray& command, int timeoutM
         gone.end = End::PortGone;
         return gone;
     }
-    // Whatever came before the command (unsolicited codes) is kept: the
-    // collection below sets it apart from the answer.
+    settle();
+    // Unsolicited codes that came before the command are kept: the
+    // collection below sets them apart from the answer.
     m_modem->m_port->write(full + '\r');
     // The answer's own lines begin with the command's name: "+CMGL" for
     // "+CMGL=4", "+CREG" for "+CREG?".

@@ -4,7 +4,9 @@
 // at a final result code on a line of its own, intermediate lines are kept
 // line by line, unsolicited result codes are set apart instead of mixed in,
 // and nothing that arrives is thrown away: bytes after a final result code
-// wait for the next read. The fixed AtModem calls keep their own rules.
+// wait for the next read (only what was on the line before the channel's
+// first command, other than unsolicited codes, is dropped as stale). The
+// fixed AtModem calls keep their own rules.
 #include <QByteArray>
 #include <QList>
 
@@ -71,8 +73,14 @@ private:
     // lines kept whole); false when none is whole yet.
     bool takeLine(QByteArray& line);
 
+    // Before the first command: what the port holds from before (the late
+    // "OK" of a command that timed out, say) is dropped, unsolicited codes
+    // are kept.
+    void settle();
+
     AtModem* m_modem;
     QByteArray m_pending;
+    bool m_settled = false;
 };
 
 } // namespace zelmodems
