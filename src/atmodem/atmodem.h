@@ -61,8 +61,12 @@ public:
     explicit AtModem(QObject* parent = nullptr);
     ~AtModem() override;
 
-    // Opens `portName` at `baudRate` (8N1, RTS/CTS) and checks with
-    // isConnected() that a modem answers; up to `attempts` tries.
+    // Opens `portName` (a device path; a bare name is a device below /dev)
+    // at `baudRate` (8N1, RTS/CTS) and checks with isConnected() that a
+    // modem answers; up to `attempts` tries. A port that a running program
+    // holds by its lock file (pppd's "%10d\n", a binary pid, QSerialPort's
+    // three lines), whatever the lock's age, is not opened: false at once,
+    // with the holder in lastError(). Only a dead process's lock goes.
     bool open(const QString& portName, qint32 baudRate, qint32 attempts);
     // Probes the open port, switches echo off, identifies the modem (name
     // and dialect) and logs its configuration.
@@ -74,6 +78,7 @@ public:
     // answer received.
     bool sendCommand(const QByteArray& command, QByteArray& answer, int timeoutMs);
     // Writes `data` as it is (no "AT", no CR) and waits for "OK" or "ERROR".
+    // An answer past 2 MiB without either ends the call, as in sendCommand.
     bool sendRawCommand(const QByteArray& data, QByteArray& answer, int timeoutMs);
     // "AT" + `command` in Latin-1 + CR.
     QByteArray makeCommand(const QString& command);
@@ -101,10 +106,12 @@ public:
     QString gsmDialect() const;
 
     // Restarts the modem the way its dialect needs (`full`) and brings the
-    // channel back to factory defaults.
+    // channel back to factory defaults. Nothing is sent when another running
+    // program holds the port's lock meanwhile (false, the holder in lastError()).
     bool reset(bool full);
     // Opens `portName` once and checks that something answers "AT"; name and
-    // dialect are left as they are.
+    // dialect are left as they are. A port held by a running program is
+    // refused as open() refuses it.
     bool test(const QString& portName, qint32 baudRate);
     // Switches a Huawei modem to modem-only mode (no CD-ROM, no card reader).
     bool toModemOnly();
@@ -170,7 +177,9 @@ public:
     // when `messages` is not empty.
     bool takeMessages(QList<AtModem::SSms>& messages);
     // Sends `text` to `number` in text mode. True when the modem confirmed
-    // the message within 3 s.
+    // the message within 3 s. The number is ASCII digits after an optional
+    // "+"; anything else (";+CMGD=1,4" after it, say) is refused and nothing
+    // is sent.
     bool sendMessage(const QString& number, const QString& text);
 
 private:
