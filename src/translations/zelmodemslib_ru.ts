@@ -59,6 +59,14 @@
         <source>Refused %1, nothing sent: %2</source>
         <translation>Отвергнут %1, ничего не отправлено: %2</translation>
     </message>
+    <message>
+        <source>The answer ran past %1 bytes without a result code: not a modem&apos;s answer</source>
+        <translation>Ответ превысил %1 байт без кода результата: это не ответ модема</translation>
+    </message>
+    <message>
+        <source>Port opening error: %1 is in use by another program (%2)</source>
+        <translation>Ошибка открытия порта: %1 занят другой программой (%2)</translation>
+    </message>
 </context>
 <context>
     <name>ModemsFinder</name>
@@ -849,6 +857,22 @@
         <source>unknown status</source>
         <translation>неизвестное состояние</translation>
     </message>
+    <message>
+        <source>Refused the USSD code, nothing sent: %1</source>
+        <translation>USSD-код отвергнут, ничего не отправлено: %1</translation>
+    </message>
+    <message>
+        <source>The modem&apos;s port is not open</source>
+        <translation>Порт модема не открыт</translation>
+    </message>
+    <message>
+        <source>The modem refused the request: %1</source>
+        <translation>Модем отверг запрос: %1</translation>
+    </message>
+    <message>
+        <source>The modem did not take the request: %1</source>
+        <translation>Модем не принял запрос: %1</translation>
+    </message>
 </context>
 <context>
     <name>WvDialConfWrapper</name>
@@ -906,6 +930,14 @@
     <message>
         <source>the text holds the control character %1</source>
         <translation>текст содержит управляющий символ %1</translation>
+    </message>
+    <message>
+        <source>the number holds &quot;%1&quot;; a recipient is digits after an optional +</source>
+        <translation>номер содержит «%1»; номер получателя — цифры, возможно после +</translation>
+    </message>
+    <message>
+        <source>the number has no digits</source>
+        <translation>в номере нет цифр</translation>
     </message>
 </context>
 <context>
@@ -976,12 +1008,267 @@
         <source>part %1 of %2 was refused: %3%4</source>
         <translation>часть %1 из %2 отвергнута: %3%4</translation>
     </message>
+    <message>
+        <source>part %1 of %2: the modem gave no prompt for the PDU, nothing of it was sent: %3%4</source>
+        <translation>часть %1 из %2: модем не выдал приглашение для PDU, ничего из неё не отправлено: %3%4</translation>
+    </message>
+    <message>
+        <source>part %1 of %2: the modem said OK without a message reference — it may still arrive; check before sending again%3</source>
+        <translation>часть %1 из %2: модем ответил OK без номера сообщения — оно может ещё дойти; проверьте, прежде чем отправлять снова%3</translation>
+    </message>
+    <message>
+        <source>part %1 of %2 not confirmed within %3 s — it may still arrive; check before sending again: %4%5</source>
+        <translation>часть %1 из %2 не подтверждена за %3 с — она может ещё дойти; проверьте, прежде чем отправлять снова: %4%5</translation>
+    </message>
+    <message>
+        <source>unassigned (unallocated) number</source>
+        <translation>номер не назначен</translation>
+    </message>
+    <message>
+        <source>operator determined barring</source>
+        <translation>запрет, установленный оператором</translation>
+    </message>
+    <message>
+        <source>call barred</source>
+        <translation>вызов запрещён</translation>
+    </message>
+    <message>
+        <source>short message transfer rejected</source>
+        <translation>передача SMS отклонена</translation>
+    </message>
+    <message>
+        <source>destination out of service</source>
+        <translation>получатель вне обслуживания</translation>
+    </message>
+    <message>
+        <source>unidentified subscriber</source>
+        <translation>абонент не опознан</translation>
+    </message>
+    <message>
+        <source>facility rejected</source>
+        <translation>услуга отклонена</translation>
+    </message>
+    <message>
+        <source>unknown subscriber</source>
+        <translation>неизвестный абонент</translation>
+    </message>
+    <message>
+        <source>network out of order</source>
+        <translation>сеть не работает</translation>
+    </message>
+    <message>
+        <source>temporary failure</source>
+        <translation>временный сбой</translation>
+    </message>
+    <message>
+        <source>congestion</source>
+        <translation>перегрузка</translation>
+    </message>
+    <message>
+        <source>resources unavailable</source>
+        <translation>ресурсы недоступны</translation>
+    </message>
+    <message>
+        <source>requested facility not subscribed</source>
+        <translation>запрошенная услуга не подключена</translation>
+    </message>
+    <message>
+        <source>requested facility not implemented</source>
+        <translation>запрошенная услуга не реализована</translation>
+    </message>
+    <message>
+        <source>invalid short message transfer reference value</source>
+        <translation>неверный номер передачи SMS</translation>
+    </message>
+    <message>
+        <source>invalid message</source>
+        <translation>неверное сообщение</translation>
+    </message>
+    <message>
+        <source>invalid mandatory information</source>
+        <translation>неверные обязательные данные</translation>
+    </message>
+    <message>
+        <source>message type non-existent or not implemented</source>
+        <translation>тип сообщения не существует или не реализован</translation>
+    </message>
+    <message>
+        <source>message not compatible with short message protocol state</source>
+        <translation>сообщение не соответствует состоянию протокола SMS</translation>
+    </message>
+    <message>
+        <source>information element non-existent or not implemented</source>
+        <translation>элемент данных не существует или не реализован</translation>
+    </message>
+    <message>
+        <source>protocol error</source>
+        <translation>ошибка протокола</translation>
+    </message>
+    <message>
+        <source>interworking error</source>
+        <translation>ошибка взаимодействия сетей</translation>
+    </message>
+    <message>
+        <source>telematic interworking not supported</source>
+        <translation>телематическое взаимодействие не поддерживается</translation>
+    </message>
+    <message>
+        <source>TPDU not supported</source>
+        <translation>TPDU не поддерживается</translation>
+    </message>
+    <message>
+        <source>SC busy</source>
+        <translation>SMS-центр занят</translation>
+    </message>
+    <message>
+        <source>no SC subscription</source>
+        <translation>нет подписки на SMS-центр</translation>
+    </message>
+    <message>
+        <source>SC system failure</source>
+        <translation>сбой SMS-центра</translation>
+    </message>
+    <message>
+        <source>invalid SME address</source>
+        <translation>неверный адрес получателя</translation>
+    </message>
+    <message>
+        <source>destination SME barred</source>
+        <translation>получатель заблокирован</translation>
+    </message>
+    <message>
+        <source>SIM SMS storage full</source>
+        <translation>память SMS на SIM заполнена</translation>
+    </message>
+    <message>
+        <source>unspecified error cause</source>
+        <translation>причина ошибки не указана</translation>
+    </message>
+    <message>
+        <source>ME failure</source>
+        <translation>сбой модема</translation>
+    </message>
+    <message>
+        <source>SMS service of ME reserved</source>
+        <translation>служба SMS модема зарезервирована</translation>
+    </message>
+    <message>
+        <source>operation not allowed</source>
+        <translation>операция не разрешена</translation>
+    </message>
+    <message>
+        <source>operation not supported</source>
+        <translation>операция не поддерживается</translation>
+    </message>
+    <message>
+        <source>invalid PDU mode parameter</source>
+        <translation>неверный параметр режима PDU</translation>
+    </message>
+    <message>
+        <source>invalid text mode parameter</source>
+        <translation>неверный параметр текстового режима</translation>
+    </message>
+    <message>
+        <source>SIM not inserted</source>
+        <translation>SIM-карта не вставлена</translation>
+    </message>
+    <message>
+        <source>SIM PIN required</source>
+        <translation>нужен PIN SIM-карты</translation>
+    </message>
+    <message>
+        <source>PH-SIM PIN required</source>
+        <translation>нужен PIN PH-SIM</translation>
+    </message>
+    <message>
+        <source>SIM failure</source>
+        <translation>сбой SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM busy</source>
+        <translation>SIM-карта занята</translation>
+    </message>
+    <message>
+        <source>SIM wrong</source>
+        <translation>неподходящая SIM-карта</translation>
+    </message>
+    <message>
+        <source>SIM PUK required</source>
+        <translation>нужен PUK SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM PIN2 required</source>
+        <translation>нужен PIN2 SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM PUK2 required</source>
+        <translation>нужен PUK2 SIM-карты</translation>
+    </message>
+    <message>
+        <source>memory failure</source>
+        <translation>сбой памяти</translation>
+    </message>
+    <message>
+        <source>invalid memory index</source>
+        <translation>неверный индекс памяти</translation>
+    </message>
+    <message>
+        <source>memory full</source>
+        <translation>память заполнена</translation>
+    </message>
+    <message>
+        <source>SMSC address unknown</source>
+        <translation>адрес SMS-центра неизвестен</translation>
+    </message>
+    <message>
+        <source>no network service</source>
+        <translation>нет обслуживания сети</translation>
+    </message>
+    <message>
+        <source>network timeout</source>
+        <translation>тайм-аут сети</translation>
+    </message>
+    <message>
+        <source>no +CNMA acknowledgement expected</source>
+        <translation>подтверждение +CNMA не ожидается</translation>
+    </message>
+    <message>
+        <source>unknown error</source>
+        <translation>неизвестная ошибка</translation>
+    </message>
+    <message>
+        <source>manufacturer specific</source>
+        <translation>ошибка, определённая производителем</translation>
+    </message>
+    <message>
+        <source>unknown cause</source>
+        <translation>неизвестная причина</translation>
+    </message>
 </context>
 <context>
     <name>zelmodems::SmsSenderPrivate</name>
     <message>
         <source> (parts 1 to %1 were sent, references %2)</source>
         <translation> (части с 1 по %1 отправлены, номера %2)</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::LineChannel</name>
+    <message>
+        <source>the modem waits for message text</source>
+        <translation>модем ждёт текст сообщения</translation>
+    </message>
+    <message>
+        <source>no answer within %1 ms</source>
+        <translation>нет ответа за %1 мс</translation>
+    </message>
+    <message>
+        <source>the port closed (the modem was unplugged or reset)</source>
+        <translation>порт закрылся (модем отключили или он перезапустился)</translation>
+    </message>
+    <message>
+        <source>the answer ran past %1 bytes without a result code: not a modem&apos;s answer</source>
+        <translation>ответ превысил %1 байт без кода результата: это не ответ модема</translation>
     </message>
 </context>
 </TS>

@@ -1,6 +1,7 @@
 #include "dialoguerecorder.h"
 #include "portlock.h"
 #include "storedmessages.h"
+#include "tooltext.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -128,7 +129,7 @@ bool DialogueRecorder::start(const QString& port, const QString& device, const Q
     // Someone else's port stays theirs, whatever form their lock takes.
     const zelmodems::PortLock held = zelmodems::PortLock::of(device);
     if (held.isHeld()) {
-        *error = QStringLiteral("%1 is in use by another program (%2)").arg(port, held.holder());
+        *error = Tool::tr("%1 is in use by another program (%2)").arg(port, held.holder());
         return false;
     }
     QString name = device;
@@ -137,18 +138,18 @@ bool DialogueRecorder::start(const QString& port, const QString& device, const Q
     name.replace(QLatin1Char('/'), QLatin1Char('_'));
     d->lock = std::make_unique<QLockFile>(QStringLiteral("/var/lock/LCK..") + name);
     if (QFileInfo(QStringLiteral("/var/lock")).isWritable() && !d->lock->tryLock(0)) {
-        *error = QStringLiteral("%1 is in use by another program").arg(port);
+        *error = Tool::tr("%1 is in use by another program").arg(port);
         return false;
     }
     d->device = ::open(QFile::encodeName(device).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (d->device < 0) {
-        *error = QStringLiteral("cannot open %1: %2").arg(port, QString::fromLocal8Bit(strerror(errno)));
+        *error = Tool::tr("cannot open %1: %2").arg(port, QString::fromLocal8Bit(strerror(errno)));
         return false;
     }
     // A file or /dev/null is no serial port: the relay would write the
     // dialogue into it.
     if (!::isatty(d->device)) {
-        *error = QStringLiteral("%1 is not a serial port (not a terminal device)").arg(port);
+        *error = Tool::tr("%1 is not a serial port (not a terminal device)").arg(port);
         return false;
     }
     struct termios tio;
@@ -161,7 +162,7 @@ bool DialogueRecorder::start(const QString& port, const QString& device, const Q
     char path[128];
     if (d->master < 0 || ::grantpt(d->master) != 0 || ::unlockpt(d->master) != 0
         || ::ptsname_r(d->master, path, sizeof path) != 0) {
-        *error = QStringLiteral("cannot make a pseudo-terminal for the recording");
+        *error = Tool::tr("cannot make a pseudo-terminal for the recording");
         return false;
     }
     d->slavePath = QFile::decodeName(path);
@@ -176,8 +177,8 @@ bool DialogueRecorder::start(const QString& port, const QString& device, const Q
                                O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (d->fileDescriptor < 0) {
         *error = errno == EEXIST || errno == ELOOP
-                     ? QStringLiteral("%1 exists; a recording is written to a new file only").arg(file)
-                     : QStringLiteral("cannot write %1: %2").arg(file, QString::fromLocal8Bit(strerror(errno)));
+                     ? Tool::tr("%1 exists; a recording is written to a new file only").arg(file)
+                     : Tool::tr("cannot write %1: %2").arg(file, QString::fromLocal8Bit(strerror(errno)));
         return false;
     }
     d->file.open(d->fileDescriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle);

@@ -906,5 +906,97 @@ wvdial: текущее соединение РАЗРЫВАЕТСЯ; работа
         <source>cannot read %1: %2</source>
         <translation>не удаётся прочитать %1: %2</translation>
     </message>
+    <message>
+        <source>  (part %1 of %2, not joined: another part %1 from the same sender and reference is stored)</source>
+        <translation>  (часть %1 из %2, не объединена: в памяти есть другая часть %1 от того же отправителя с тем же номером)</translation>
+    </message>
+    <message>
+        <source>, port %1</source>
+        <translation>, порт %1</translation>
+    </message>
+    <message>
+        <source>, port %1 (from port %2)</source>
+        <translation>, порт %1 (с порта %2)</translation>
+    </message>
+    <message>
+        <source>[%1] %2%3  status report for message %4 to %5</source>
+        <translation>[%1] %2%3  отчёт о доставке сообщения %4 на %5</translation>
+    </message>
+    <message>
+        <source>  status: %1</source>
+        <translation>  состояние: %1</translation>
+    </message>
+    <message>
+        <source>  at: %1</source>
+        <translation>  время: %1</translation>
+    </message>
+    <message>
+        <source>to %1</source>
+        <translation>кому %1</translation>
+    </message>
+    <message>
+        <source>from %1</source>
+        <translation>от %1</translation>
+    </message>
+    <message>
+        <source>  data, %1 octet(s)%2:</source>
+        <translation>  данные, октетов: %1%2:</translation>
+    </message>
+    <message>
+        <source>Lists every message stored in the modem (PDU mode): index, time with its
+zone offset, status (unread, read, unsent, sent), sender or recipient,
+text (data in hexadecimal with its ports; a status report&apos;s message,
+recipient, time and outcome), and for long messages whether every part
+is there. Nothing is deleted (&quot;sms delete&quot;, &quot;sms take&quot;); the modem
+marks listed messages read.</source>
+        <translation>Перечисляет все сообщения в памяти модема (режим PDU): индекс, время со
+смещением пояса, состояние (непрочитанное, прочитанное, неотправленное,
+отправленное), отправителя или получателя, текст (данные — в шестнадцатеричном
+виде с портами; для отчёта о доставке — сообщение, получателя, время и итог)
+и для длинных сообщений — все ли части на месте. Ничего не удаляется
+(&quot;sms delete&quot;, &quot;sms take&quot;); модем помечает показанные сообщения прочитанными.</translation>
+    </message>
+    <message>
+        <source>Prints the received messages and status reports that could be read whole
+(text, data in hexadecimal with its ports, a report&apos;s outcome), and then
+deletes those - and only those - from the modem. Messages that cannot be
+read, lone or doubtful parts of long messages and stored outgoing messages
+stay. Nothing is deleted when the output could not be written.</source>
+        <translation>Выводит полученные сообщения и отчёты о доставке, которые удалось прочитать
+целиком (текст, данные в шестнадцатеричном виде с портами, итог отчёта), и
+затем удаляет из модема их — и только их. Нечитаемые сообщения, одиночные или
+сомнительные части длинных сообщений и сохранённые исходящие остаются. Если
+вывод не удалось записать, ничего не удаляется.</translation>
+    </message>
+    <message>
+        <source>message to %1: %2 of %3 part(s) sent%4; part %5 was being handed to the modem and may still arrive; check before sending again
+</source>
+        <translation>сообщение на %1: отправлено частей %2 из %3%4; часть %5 передавалась модему и может ещё дойти; проверьте, прежде чем отправлять снова
+</translation>
+    </message>
+    <message>
+        <source>%1 is in use by another program</source>
+        <translation>%1 занят другой программой</translation>
+    </message>
+    <message>
+        <source>cannot open %1: %2</source>
+        <translation>не удаётся открыть %1: %2</translation>
+    </message>
+    <message>
+        <source>%1 is not a serial port (not a terminal device)</source>
+        <translation>%1 — не последовательный порт (не терминальное устройство)</translation>
+    </message>
+    <message>
+        <source>cannot make a pseudo-terminal for the recording</source>
+        <translation>не удаётся создать псевдотерминал для записи</translation>
+    </message>
+    <message>
+        <source>%1 exists; a recording is written to a new file only</source>
+        <translation>%1 уже существует; запись ведётся только в новый файл</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>не удаётся записать %1: %2</translation>
+    </message>
 </context>
 </TS>
