@@ -64,7 +64,8 @@ QString LineChannel::Answer::reason() const
 
 int LineChannel::Answer::errorCode() const
 {
-    if (end != End::Final || !(final.startsWith("+CMS ERROR:") || final.startsWith("+CME ERROR:")))
+    // Only a final result code is ever kept in `final`.
+    if (!final.startsWith("+CMS ERROR:") && !final.startsWith("+CME ERROR:"))
         return -1;
     bool ok = false;
     const int code = final.mid(11).trimmed().toInt(&ok);

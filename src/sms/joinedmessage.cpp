@@ -58,7 +58,8 @@ QList<JoinedMessage> JoinedMessage::join(const QList<ShortMessage>& parts)
         const bool single = !part.isValid() || part.concatReference() < 0;
         const QString key = single ? QString() : keyOf(part);
         const bool alone = !single && ambiguous.contains(key);
-        auto it = single || alone ? open.end() : open.find(key);
+        // Parts left unjoined are never opened under their key.
+        auto it = single ? open.end() : open.find(key);
         if (it == open.end()) {
             JoinedMessage message;
             message.d->partCount = single ? 1 : part.partCount();

@@ -26,14 +26,15 @@ ModemSession::~ModemSession()
 bool ModemSession::open(const CommandLine& commandLine, Report& report)
 {
     m_portName = commandLine.port();
+    // The tool's catalogue (main() installs it) knows declared ports and
+    // device paths; without it the device node decides.
     const zelmodems::PortCatalogue& ports = zelmodems::PortCatalogue::instance();
-    if (const auto* declared = dynamic_cast<const zelmodems::DeclaredPorts*>(&ports))
+    const auto* declared = dynamic_cast<const zelmodems::DeclaredPorts*>(&ports);
+    if (declared)
         m_portName = declared->normalize(m_portName);
     const QString device = ports.devicePath(m_portName);
     m_device = device;
-    const auto* tool = dynamic_cast<const zelmodems::DeclaredPorts*>(&ports);
-    const bool known = tool ? tool->exists(m_portName)
-                            : ports.port(m_portName).exists || QFileInfo::exists(device);
+    const bool known = declared ? declared->exists(m_portName) : QFileInfo::exists(device);
     if (!known) {
         report.fail(Tool::tr("no such port: %1").arg(m_portName));
         return false;
