@@ -190,6 +190,7 @@ private slots:
         // Each send reports its own parts only.
         QVERIFY(sender.send(QStringLiteral("+79161234567"), QStringLiteral("and again")));
         QCOMPARE(sender.references(), QList<int>{2});
+        QCOMPARE(sender.errorCode(), -1);
         QCOMPARE(sender.partStates(), QList<SmsSender::PartState>{SmsSender::Sent});
     }
 

@@ -159,6 +159,9 @@ private slots:
                               + (m.value("status").toString() == "unknown" ? "-7" : ""),
                           m);
             ambiguous += m.value("ambiguous").toBool() ? 1 : 0;
+            // A joined message keeps its parts' time.
+            if (m.value("complete").toBool() && m.value("partCount").toInt() == 2)
+                QVERIFY2(m.value("dateTime").toString().endsWith("+00:00"), listed.describe());
             QVERIFY2(!m.value("text").toString().startsWith("A1 B1") && m.value("text") != "B1 A2", listed.describe());
         }
         QCOMPARE(ambiguous, 4);
