@@ -89,8 +89,7 @@ bool AtModem::reset(bool full)
     if (m_port) {
         const zelmodems::PortLock lock = zelmodems::PortLock::of(m_port->portName());
         if (lock.isHeld() && lock.pid() != QCoreApplication::applicationPid()) {
-            m_lastError = tr("Port opening error: %1 is in use by another program (%2)")
-                              .arg(m_port->portName(), lock.holder());
+            m_lastError = tr("%1 is in use by another program (%2)").arg(m_port->portName(), lock.holder());
             qCCritical(AT_MODEM()).noquote() << m_lastError;
             return false;
         }

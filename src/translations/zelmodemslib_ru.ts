@@ -67,6 +67,10 @@
         <source>Port opening error: %1 is in use by another program (%2)</source>
         <translation>Ошибка открытия порта: %1 занят другой программой (%2)</translation>
     </message>
+    <message>
+        <source>%1 is in use by another program (%2)</source>
+        <translation>%1 занят другой программой (%2)</translation>
+    </message>
 </context>
 <context>
     <name>ModemsFinder</name>
