@@ -209,6 +209,19 @@ void AtModem::failCommand(const QByteArray& command, const QByteArray& answer)
                                         << logtab << logbinary(answer) << logtab << m_lastError;
 }
 
+bool AtModem::endFlood(const QByteArray& command, QByteArray& answer)
+{
+    // A device that floods the line must not hold the caller or its memory.
+    m_lastError = tr("The answer ran past %1 bytes without a result code: not a modem's answer").arg(MAX_ANSWER_BYTES);
+    if (command.isNull())
+        qCWarning(AT_MODEM()).noquote() << m_lastError;
+    else
+        qCWarning(AT_MODEM()).noquote() << QString::fromLatin1(command) << logtab << m_lastError;
+    answer.truncate(MAX_ANSWER_BYTES);
+    discardInput();
+    return false;
+}
+
 bool AtModem::sendCommand(const QByteArray& command, QByteArray& answer, int timeoutMs)
 {
     const QByteArray fullCommand = QByteArray("AT") + command;
@@ -233,14 +246,8 @@ bool AtModem::sendCommand(const QByteArray& command, QByteArray& answer, int tim
     });
     if (wait == Wait::PortGone)
         return false;
-    if (tooLong) {
-        m_lastError = tr("The answer ran past %1 bytes without a result code: not a modem's answer")
-                          .arg(MAX_ANSWER_BYTES);
-        qCWarning(AT_MODEM()).noquote() << QString::fromLatin1(fullCommand) << logtab << m_lastError;
-        answer.truncate(MAX_ANSWER_BYTES);
-        discardInput();
-        return false;
-    }
+    if (tooLong)
+        return endFlood(fullCommand, answer);
 
     if (wait == Wait::Matched) {
         const int ok = answer.indexOf("OK");
@@ -290,15 +297,8 @@ bool AtModem::sendRawCommand(const QByteArray& data, QByteArray& answer, int tim
     while (timeoutMs > clock.elapsed()) {
         if (!readCycle(answer, step, false))
             return false;
-        if (answer.size() > MAX_ANSWER_BYTES) {
-            // A device that floods the line must not hold the caller's memory.
-            m_lastError = tr("The answer ran past %1 bytes without a result code: not a modem's answer")
-                              .arg(MAX_ANSWER_BYTES);
-            qCWarning(AT_MODEM()).noquote() << m_lastError;
-            answer.truncate(MAX_ANSWER_BYTES);
-            discardInput();
-            return false;
-        }
+        if (answer.size() > MAX_ANSWER_BYTES)
+            return endFlood(QByteArray(), answer);
         if (!scanner.found(answer))
             continue;
         const int ok = answer.indexOf("OK");

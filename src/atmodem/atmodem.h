@@ -207,6 +207,10 @@ private:
     // Sets the last error to the time-out text unless another error is set,
     // and logs the failed command.
     void failCommand(const QByteArray& command, const QByteArray& answer);
+    // Ends a command whose answer ran past MAX_ANSWER_BYTES: the error set
+    // and logged (with `command` unless it is null), the answer cut to the
+    // bound, the rest of the input discarded. Returns false.
+    bool endFlood(const QByteArray& command, QByteArray& answer);
     // Input that would end or escape the command line: nothing is sent.
     bool refuseInput(const QString& what, const QString& why);
     // True, with the last error naming the holder, when a running program

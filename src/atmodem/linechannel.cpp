@@ -147,6 +147,12 @@ LineChannel::Answer LineChannel::collect(const QByteArray& echo, const QByteArra
     Answer answer;
     QElapsedTimer clock;
     clock.start();
+    const auto ended = [&answer, &clock](End end) {
+        answer.end = end;
+        answer.elapsedMs = clock.elapsed();
+        return answer;
+    };
+    qint64 kept = 0;   // bytes of the intermediate lines, as text() gives them
     bool pduFollows = false;
     for (;;) {
         QByteArray line;
@@ -157,10 +163,8 @@ LineChannel::Answer LineChannel::collect(const QByteArray& echo, const QByteArra
                 answer.unsolicited << line;
                 pduFollows = false;
             } else if (isFinal(line)) {
-                answer.end = End::Final;
                 answer.final = line;
-                answer.elapsedMs = clock.elapsed();
-                return answer;
+                return ended(End::Final);
             } else if (!echo.isEmpty() && line == echo) {
                 continue;
             } else if (isUnsolicited(line, ownPrefix)) {
@@ -168,34 +172,22 @@ LineChannel::Answer LineChannel::collect(const QByteArray& echo, const QByteArra
                 pduFollows = hasPduLine(line);
             } else {
                 answer.lines << line;
+                kept += line.size() + 2;
             }
         }
         if (promptEnds && m_pending.trimmed().startsWith('>')) {
             m_pending.clear();
-            answer.end = End::Prompt;
-            answer.elapsedMs = clock.elapsed();
-            return answer;
+            return ended(End::Prompt);
         }
-        qint64 size = m_pending.size();
-        for (const QByteArray& l : qAsConst(answer.lines))
-            size += l.size() + 2;
-        if (size > MaxAnswerBytes) {
+        if (kept + m_pending.size() > MaxAnswerBytes) {
             m_pending.clear();
-            answer.end = End::Overflow;
-            answer.elapsedMs = clock.elapsed();
-            return answer;
+            return ended(End::Overflow);
         }
         const qint64 left = timeoutMs - clock.elapsed();
-        if (left <= 0) {
-            answer.end = End::TimedOut;
-            answer.elapsedMs = clock.elapsed();
-            return answer;
-        }
-        if (!readMore(int(qMin<qint64>(left, 100)))) {
-            answer.end = End::PortGone;
-            answer.elapsedMs = clock.elapsed();
-            return answer;
-        }
+        if (left <= 0)
+            return ended(End::TimedOut);
+        if (!readMore(int(qMin<qint64>(left, 100))))
+            return ended(End::PortGone);
     }
 }
 
@@ -253,7 +245,7 @@ LineChannel::Answer LineChannel::write(const QByteArray& bytes, int timeoutMs)
     return collect(QByteArray(), QByteArray("+CMGS:"), timeoutMs, false);
 }
 
-bool LineChannel::waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& line, QList<QByteArray>* others)
+bool LineChannel::waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& line)
 {
     QElapsedTimer clock;
     clock.start();
@@ -264,8 +256,6 @@ bool LineChannel::waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& l
                 line = next;
                 return true;
             }
-            if (!next.isEmpty() && others)
-                *others << next;
         }
         const qint64 left = timeoutMs - clock.elapsed();
         if (left <= 0 || m_pending.size() > MaxAnswerBytes)

@@ -52,9 +52,9 @@ public:
     // Writes `bytes` as they are (a PDU and Ctrl-Z, ESC) and collects the answer.
     Answer write(const QByteArray& bytes, int timeoutMs);
     // Waits for an unsolicited line that begins with `prefix`; true with the
-    // line (a quoted text that spans lines whole) in `line`. Other
-    // unsolicited lines go to `others`.
-    bool waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& line, QList<QByteArray>* others = nullptr);
+    // line (a quoted text that spans lines whole) in `line`. The lines
+    // before it are passed over.
+    bool waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& line);
 
     // Whether `line` is a final result code.
     static bool isFinal(const QByteArray& line);

@@ -34,7 +34,6 @@ public:
     int confirmTimeoutMs = 30000;
     QList<int> references;
     int partCount = 0;
-    bool unconfirmed = false;
     QString lastError;
     QList<SmsSender::PartState> states;
     int errorCode = -1;
@@ -104,7 +103,7 @@ int SmsSender::partCount() const
 
 bool SmsSender::unconfirmed() const
 {
-    return d->unconfirmed;
+    return d->states.contains(Unconfirmed);
 }
 
 QString SmsSender::lastError() const
@@ -208,7 +207,6 @@ bool SmsSender::send(const QString& number, const QString& text)
 {
     d->references.clear();
     d->partCount = 0;
-    d->unconfirmed = false;
     d->lastError.clear();
     d->states.clear();
     d->errorCode = -1;
@@ -263,18 +261,16 @@ bool SmsSender::send(const QString& number, const QString& text)
                 d->setState(number1, Sent, reference);
                 continue;
             }
+            // OK without a reference is no confirmation, and is said as it is.
+            d->setState(number1, Unconfirmed);
+            return d->fail(tr("part %1 of %2: the modem said OK without a message reference — it may "
+                              "still arrive; check before sending again%3")
+                               .arg(number1).arg(parts.size()).arg(d->sentSoFar(number1)));
         }
         if (answer.end == LineChannel::End::Final) {
-            // ERROR, +CMS ERROR: the message will not arrive; OK without a
-            // reference is no confirmation either, and is said as it is.
+            // ERROR, +CMS ERROR: the message will not arrive.
             d->errorCode = answer.errorCode();
-            d->setState(number1, answer.ok() ? Unconfirmed : Refused);
-            if (answer.ok()) {
-                d->unconfirmed = true;
-                return d->fail(tr("part %1 of %2: the modem said OK without a message reference — it may "
-                                  "still arrive; check before sending again%3")
-                                   .arg(number1).arg(parts.size()).arg(d->sentSoFar(number1)));
-            }
+            d->setState(number1, Refused);
             return d->fail(tr("part %1 of %2 was refused: %3%4")
                                .arg(number1).arg(parts.size())
                                .arg(SmsSenderPrivate::refusal(answer))
@@ -282,7 +278,6 @@ bool SmsSender::send(const QString& number, const QString& text)
         }
         // No answer in time: the PDU went out, so the network may still take
         // it. Saying so keeps a caller from sending the message twice.
-        d->unconfirmed = true;
         d->setState(number1, Unconfirmed);
         return d->fail(tr("part %1 of %2 not confirmed within %3 s — it may still arrive; check before "
                           "sending again: %4%5")

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QMap>
 #include <QSet>
+#include <QStringList>
 
 namespace zelmodems {
 
@@ -38,15 +39,20 @@ QList<JoinedMessage> JoinedMessage::join(const QList<ShortMessage>& parts)
     // A part number seen twice under one key means two messages share it
     // (a sender that reuses its reference byte, a resent part): which half
     // belongs to which cannot be told, so none of them is joined.
+    // Each part's key; empty for a part that stands alone (unreadable, or
+    // not a part of a longer message).
+    QStringList keys;
+    keys.reserve(parts.size());
     QHash<QString, QSet<int>> seen;
     QSet<QString> ambiguous;
     for (const ShortMessage& part : parts) {
-        if (!part.isValid() || part.concatReference() < 0)
+        const bool single = !part.isValid() || part.concatReference() < 0;
+        keys << (single ? QString() : keyOf(part));
+        if (single)
             continue;
-        const QString key = keyOf(part);
-        QSet<int>& numbers = seen[key];
+        QSet<int>& numbers = seen[keys.last()];
         if (numbers.contains(part.partNumber()))
-            ambiguous.insert(key);
+            ambiguous.insert(keys.last());
         numbers.insert(part.partNumber());
     }
 
@@ -55,8 +61,8 @@ QList<JoinedMessage> JoinedMessage::join(const QList<ShortMessage>& parts)
     QHash<QString, int> open;
     for (int i = 0; i < parts.size(); ++i) {
         const ShortMessage& part = parts.at(i);
-        const bool single = !part.isValid() || part.concatReference() < 0;
-        const QString key = single ? QString() : keyOf(part);
+        const QString& key = keys.at(i);
+        const bool single = key.isEmpty();
         const bool alone = !single && ambiguous.contains(key);
         // Parts left unjoined are never opened under their key.
         auto it = single ? open.end() : open.find(key);
