@@ -1,6 +1,7 @@
 // Reading the UUCP lock files of serial ports.
 #include "portlock.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSharedData>
@@ -57,8 +58,10 @@ qint64 PortLock::pidIn(const QByteArray& contents)
 
 QStringList PortLock::directories()
 {
+    // QSerialPort takes the first writable of its list and falls back to
+    // the temporary folder.
     QStringList dirs{QStringLiteral("/run/lock"), QStringLiteral("/var/lock"), QStringLiteral("/var/spool/locks"),
-                     QStringLiteral("/var/spool/uucp"), QStringLiteral("/etc/locks")};
+                     QStringLiteral("/var/spool/uucp"), QStringLiteral("/etc/locks"), QDir::tempPath()};
     if (!qEnvironmentVariableIsEmpty("QT5EXT_LOCK_DIR"))
         dirs.prepend(qEnvironmentVariable("QT5EXT_LOCK_DIR"));
     return dirs;

@@ -50,7 +50,8 @@ public:
     // The pid a lock file's contents name, 0 when they name none.
     static qint64 pidIn(const QByteArray& contents);
     // Where lock files are looked for: $QT5EXT_LOCK_DIR first when set,
-    // then /run/lock, /var/lock, /var/spool/locks, /var/spool/uucp, /etc/locks.
+    // then /run/lock, /var/lock, /var/spool/locks, /var/spool/uucp, /etc/locks
+    // and the temporary folder (QSerialPort's last resort).
     static QStringList directories();
     // The lock file names of `device` ("LCK..pts_3").
     static QStringList fileNames(const QString& device);

@@ -132,11 +132,7 @@ bool DialogueRecorder::start(const QString& port, const QString& device, const Q
         *error = Tool::tr("%1 is in use by another program (%2)").arg(port, held.holder());
         return false;
     }
-    QString name = device;
-    if (name.startsWith(QLatin1String("/dev/")))
-        name = name.mid(5);
-    name.replace(QLatin1Char('/'), QLatin1Char('_'));
-    d->lock = std::make_unique<QLockFile>(QStringLiteral("/var/lock/LCK..") + name);
+    d->lock = std::make_unique<QLockFile>(QStringLiteral("/var/lock/") + zelmodems::PortLock::fileNames(device).first());
     if (QFileInfo(QStringLiteral("/var/lock")).isWritable() && !d->lock->tryLock(0)) {
         *error = Tool::tr("%1 is in use by another program").arg(port);
         return false;

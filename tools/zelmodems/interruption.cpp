@@ -1,4 +1,5 @@
 #include "interruption.h"
+#include "portlock.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,30 +26,19 @@ std::atomic<int> caught{ 0 };
 // The handler's only act: the signal's number down a pipe to the watcher.
 int wakePipe[2] = { -1, -1 };
 
-// Where QSerialPort and the appliance's tools keep "LCK..<device>" files.
-const char* const LOCK_DIRECTORIES[] = { "/var/lock", "/run/lock", "/etc/locks", "/var/spool/locks",
-                                         "/var/spool/uucp", "/tmp" };
-
+// The lock files of the ports this process holds (a QSerialPort that the
+// process's end will not get to close properly).
 void removeOwnLocks()
 {
-    const QByteArray pid = QByteArray::number(qint64(::getpid()));
-    QStringList directories;
-    for (const char* d : LOCK_DIRECTORIES)
-        directories << QString::fromLatin1(d);
-    const QByteArray custom = qgetenv("QT5EXT_LOCK_DIR");
-    if (!custom.isEmpty())
-        directories << QString::fromLocal8Bit(custom);
-    for (const QString& directory : directories) {
+    const qint64 pid = ::getpid();
+    for (const QString& directory : zelmodems::PortLock::directories()) {
         const QDir dir(directory);
         for (const QString& name : dir.entryList({ QStringLiteral("LCK..*") }, QDir::Files | QDir::System)) {
             QFile lock(dir.filePath(name));
-            if (!lock.open(QIODevice::ReadOnly))
-                continue;
-            // The owner's pid is the lock file's first line.
-            const QByteArray owner = lock.readLine(32).trimmed();
-            lock.close();
-            if (owner == pid)
+            if (lock.open(QIODevice::ReadOnly) && zelmodems::PortLock::pidIn(lock.read(256)) == pid) {
+                lock.close();
                 lock.remove();
+            }
         }
     }
 }
