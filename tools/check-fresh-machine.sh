@@ -90,6 +90,13 @@ done
 
 [ ${#releases[@]} -gt 0 ] || releases=(bookworm trixie)
 
+# One shell in each root runs the commands in order and stops at the first
+# that fails, naming it on its last line.
+script=""
+for c in "${commands[@]}"; do
+    script+="echo \"== fresh machine: $c\"; $c || { echo \"FAILED-COMMAND: $c\"; exit 1; }; "
+done
+
 # One release: its root built, the commands run in it, the root removed.
 check_release() {
     local release="$1" name
@@ -112,12 +119,6 @@ check_release() {
     cp /etc/resolv.conf "$root/etc/resolv.conf"
     git clone --quiet "$repo" "$root/work/zelmodemslib" >>"$log" 2>&1 || fail "git clone into the root"
 
-    # One shell in the root runs the commands in order and stops at the first
-    # that fails, naming it on its last line.
-    local script=""
-    for c in "${commands[@]}"; do
-        script+="echo \"== fresh machine: $c\"; $c || { echo \"FAILED-COMMAND: $c\"; exit 1; }; "
-    done
     echo "check-fresh-machine: running in the $name root: ${commands[*]}"
     local start=$SECONDS
     echo "== check-fresh-machine: $name" >>"$log"

@@ -344,7 +344,7 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
                 fresh << entry;
         }
         for (const StoredMessage& message : groupStoredMessages(fresh)) {
-            if (message.outgoing || !message.complete())
+            if (message.outgoing() || !message.complete())
                 continue;
             number = nationalNumberIn(message.text);
             if (number.isEmpty())

@@ -62,13 +62,6 @@ QString indexesText(const StoredMessage& message)
     return indexes.isEmpty() ? QStringLiteral("?") : indexes.join(QLatin1Char(','));
 }
 
-// What a modem or a sender wrote, on one line: a line break in an
-// alphanumeric sender must not start a line of its own.
-QString oneLine(const QString& text)
-{
-    return Report::escaped(text);
-}
-
 QString portsText(const StoredMessage& message)
 {
     if (message.destinationPort < 0)
@@ -98,7 +91,9 @@ void describe(const StoredMessage& message, Report& report)
         return;
     }
     const QString when = message.time.isValid() ? isoTime(message.time) + QStringLiteral("  ") : QString();
-    const QString address = oneLine(message.address);
+    // On one line: a line break in an alphanumeric sender must not start a
+    // line of its own.
+    const QString address = Report::escaped(message.address);
     if (message.type == zelmodems::ShortMessage::StatusReport) {
         report.line(Tool::tr("[%1] %2%3  status report for message %4 to %5")
                         .arg(indexesText(message), when, status)
@@ -109,7 +104,7 @@ void describe(const StoredMessage& message, Report& report)
             report.line(Tool::tr("  at: %1").arg(isoTime(message.dischargeTime)));
         return;
     }
-    const QString who = message.outgoing ? Tool::tr("to %1").arg(address) : Tool::tr("from %1").arg(address);
+    const QString who = message.outgoing() ? Tool::tr("to %1").arg(address) : Tool::tr("from %1").arg(address);
     report.line(QStringLiteral("[%1] %2%3  %4%5").arg(indexesText(message), when, status, who, partsText(message)));
     if (message.data) {
         report.line(Tool::tr("  data, %1 octet(s)%2:").arg(message.userData.size()).arg(portsText(message)));
@@ -145,8 +140,8 @@ QJsonObject toJson(const StoredMessage& message)
     item.insert(QStringLiteral("storage"), message.storage.isEmpty() ? QJsonValue() : QJsonValue(message.storage));
     item.insert(QStringLiteral("status"), StoredPdu::statusName(message.status));
     item.insert(QStringLiteral("kind"), message.decoded ? kindName(message.type) : QStringLiteral("unknown"));
-    item.insert(QStringLiteral("outgoing"), message.outgoing);
-    item.insert(message.outgoing || report ? QStringLiteral("recipient") : QStringLiteral("sender"),
+    item.insert(QStringLiteral("outgoing"), message.outgoing());
+    item.insert(message.outgoing() || report ? QStringLiteral("recipient") : QStringLiteral("sender"),
                 message.decoded ? QJsonValue(message.address) : QJsonValue());
     item.insert(QStringLiteral("dateTime"), message.time.isValid() ? QJsonValue(isoTime(message.time)) : QJsonValue());
     item.insert(QStringLiteral("text"), message.decoded && !message.data && !report ? QJsonValue(message.text)
@@ -241,6 +236,31 @@ bool deleteIndexes(ModemSession& session, const QList<int>& indexes, Report& rep
         return false;
     }
     return true;
+}
+
+// Each part's outcome for a program: its state ("interrupted" for the
+// part under way, 1-based; 0 for none), the reference of a sent one (the
+// sent parts are the first ones, `sentRefs` in order), and the code of a
+// refusal with its meaning.
+QJsonArray partResults(const QList<zelmodems::SmsSender::PartState>& states, const QList<int>& sentRefs,
+                       int underWay, int errorCode)
+{
+    QJsonArray parts;
+    for (int i = 0; i < states.size(); ++i) {
+        const zelmodems::SmsSender::PartState state = states.at(i);
+        QJsonObject part{{QStringLiteral("part"), i + 1}};
+        part.insert(QStringLiteral("state"), i + 1 == underWay && state == zelmodems::SmsSender::NotSent
+                                                 ? QStringLiteral("interrupted")
+                                                 : zelmodems::SmsSender::stateName(state));
+        if (state == zelmodems::SmsSender::Sent && i < sentRefs.size())
+            part.insert(QStringLiteral("reference"), sentRefs.at(i));
+        if (state == zelmodems::SmsSender::Refused && errorCode >= 0) {
+            part.insert(QStringLiteral("errorCode"), errorCode);
+            part.insert(QStringLiteral("errorMeaning"), zelmodems::SmsSender::errorMeaning(errorCode));
+        }
+        parts.append(part);
+    }
+    return parts;
 }
 
 } // namespace
@@ -342,72 +362,43 @@ Report smsSend(const QStringList& args)
         // Cut short (Ctrl-C), the send still says how far it got: which
         // parts went out, and that the one under way may still arrive.
         const bool json = cl.json();
-        QList<zelmodems::SmsSender::PartState> states;
-        QList<int> partReferences;
-        auto progress = [&](int under) {
-            QJsonArray parts;
+        auto progress = [&](const QList<zelmodems::SmsSender::PartState>& states, const QList<int>& sentRefs,
+                            int underWay) {
             QStringList sent;
-            for (int i = 0; i < states.size(); ++i) {
-                QJsonObject part{{QStringLiteral("part"), i + 1}};
-                const bool current = i + 1 == under && states.at(i) == zelmodems::SmsSender::NotSent;
-                part.insert(QStringLiteral("state"), current ? QStringLiteral("interrupted")
-                                                             : zelmodems::SmsSender::stateName(states.at(i)));
-                if (partReferences.at(i) >= 0) {
-                    part.insert(QStringLiteral("reference"), partReferences.at(i));
-                    sent << QStringLiteral("%1 (reference %2)").arg(i + 1).arg(partReferences.at(i));
-                }
-                parts.append(part);
-            }
+            for (int i = 0; i < sentRefs.size(); ++i)
+                sent << QStringLiteral("%1 (reference %2)").arg(i + 1).arg(sentRefs.at(i));
             const QJsonObject object{{QStringLiteral("number"), number}, {QStringLiteral("parts"), states.size()},
-                                     {QStringLiteral("partResults"), parts}, {QStringLiteral("interrupted"), true},
-                                     {QStringLiteral("sent"), false}};
+                                     {QStringLiteral("partResults"), partResults(states, sentRefs, underWay, -1)},
+                                     {QStringLiteral("interrupted"), true}, {QStringLiteral("sent"), false}};
             const QString text =
                 Tool::tr("message to %1: %2 of %3 part(s) sent%4; part %5 was being handed to the modem and "
                          "may still arrive; check before sending again\n")
                     .arg(number).arg(sent.size()).arg(states.size())
                     .arg(sent.isEmpty() ? QString() : QStringLiteral(": ") + sent.join(QStringLiteral(", ")))
-                    .arg(under);
+                    .arg(underWay);
             Interruption::setProgress(json ? QJsonDocument(object).toJson(QJsonDocument::Indented) : QByteArray(),
                                       text.toUtf8());
         };
-        sender.setPartHandler([&](int part, zelmodems::SmsSender::PartState state, int reference) {
-            while (states.size() < part) {
-                states << zelmodems::SmsSender::NotSent;
-                partReferences << -1;
-            }
-            states[part - 1] = state;
-            partReferences[part - 1] = reference;
-            progress(part + 1);
+        // Before the first part ends the sender has said nothing yet: every
+        // part is still to go, the first one under way.
+        QList<zelmodems::SmsSender::PartState> toGo;
+        for (int i = zelmodems::encodeSmsSubmit(number, text).size(); i > 0; --i)
+            toGo << zelmodems::SmsSender::NotSent;
+        if (!toGo.isEmpty())
+            progress(toGo, {}, 1);
+        sender.setPartHandler([&](int part, zelmodems::SmsSender::PartState, int) {
+            progress(sender.partStates(), sender.references(), part + 1);
         });
-        const int expected = zelmodems::encodeSmsSubmit(number, text).size();
-        for (int i = 0; i < expected; ++i) {
-            states << zelmodems::SmsSender::NotSent;
-            partReferences << -1;
-        }
-        if (expected > 0)
-            progress(1);
         const bool sent = sender.send(number, text);
         Interruption::setProgress(QByteArray(), QByteArray());
         QJsonArray references;
         for (const int r : sender.references())
             references.append(r);
-        QJsonArray partResults;
-        const QList<zelmodems::SmsSender::PartState> finalStates = sender.partStates();
-        for (int i = 0; i < finalStates.size(); ++i) {
-            QJsonObject part{{QStringLiteral("part"), i + 1},
-                             {QStringLiteral("state"), zelmodems::SmsSender::stateName(finalStates.at(i))}};
-            if (finalStates.at(i) == zelmodems::SmsSender::Sent && i < sender.references().size())
-                part.insert(QStringLiteral("reference"), sender.references().at(i));
-            if (finalStates.at(i) == zelmodems::SmsSender::Refused && sender.errorCode() >= 0) {
-                part.insert(QStringLiteral("errorCode"), sender.errorCode());
-                part.insert(QStringLiteral("errorMeaning"), zelmodems::SmsSender::errorMeaning(sender.errorCode()));
-            }
-            partResults.append(part);
-        }
         report.json().insert(QStringLiteral("number"), number);
         report.json().insert(QStringLiteral("parts"), sender.partCount());
         report.json().insert(QStringLiteral("references"), references);
-        report.json().insert(QStringLiteral("partResults"), partResults);
+        report.json().insert(QStringLiteral("partResults"),
+                             partResults(sender.partStates(), sender.references(), 0, sender.errorCode()));
         report.json().insert(QStringLiteral("sent"), sent);
         if (!sent) {
             report.fail(Tool::tr("message to %1: %2").arg(number, sender.lastError()));

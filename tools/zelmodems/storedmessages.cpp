@@ -38,8 +38,8 @@ QList<StoredMessage> groupStoredMessages(const QList<StoredPdu>& entries)
         message.status = first.status();
         message.storage = first.storage();
         message.type = sms.type();
-        message.outgoing = sms.type() == zelmodems::ShortMessage::Submit;
         message.ambiguous = joined.isAmbiguous();
+        message.data = sms.isValid() && sms.alphabet() == zelmodems::PDU::EightBitAlphabet;
         for (const int position : positions) {
             const StoredPdu& entry = entries.at(position);
             if (entry.index() >= 0)
@@ -52,16 +52,14 @@ QList<StoredMessage> groupStoredMessages(const QList<StoredPdu>& entries)
             if (!part.isValid())
                 message.decoded = false;
             message.partsPresent << part.partNumber();
-            message.userData += part.userData();
+            if (message.data)
+                message.userData += part.userData();
         }
         message.problem = !first.isComplete() ? first.problem() : sms.error();
         message.address = sms.address();
         message.time = joined.serviceCentreTime();
         message.text = joined.text();
         message.partCount = joined.partCount();
-        message.data = sms.isValid() && sms.alphabet() == zelmodems::PDU::EightBitAlphabet;
-        if (!message.data)
-            message.userData.clear();
         message.destinationPort = sms.destinationPort();
         message.originatorPort = sms.originatorPort();
         if (sms.type() == zelmodems::ShortMessage::StatusReport) {

@@ -19,7 +19,6 @@ struct StoredMessage
     zelmodems::StoredPdu::Status status = zelmodems::StoredPdu::UnknownStatus;
     QString storage;
     zelmodems::ShortMessage::Type type = zelmodems::ShortMessage::InvalidType;
-    bool outgoing = false;           // a stored SMS-SUBMIT, whatever its <stat>
     QString address;                 // the sender; the recipient of an outgoing message or a report
     QDateTime time;                  // the service centre's time stamp; invalid for outgoing
     QString text;
@@ -36,6 +35,8 @@ struct StoredMessage
     bool decoded = false;            // every part present could be read
     QString problem;                 // why not, or why the entry is unusable
 
+    // A stored SMS-SUBMIT, whatever its <stat>.
+    bool outgoing() const { return type == zelmodems::ShortMessage::Submit; }
     // Decoded, with every part.
     bool complete() const { return decoded && partsPresent.size() == partCount; }
 };
