@@ -48,7 +48,7 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 # dependencies below supply those, with the exact version).
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-    "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/platform" "${PROJECT_BINARY_DIR}/tools/modemsim")
+    "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/platform" "${PROJECT_BINARY_DIR}/simulator")
 # A shlibs file, so that packages built against the library depend on it.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")

@@ -11,13 +11,14 @@
 
 #include "shortmessage.h"
 #include "simmodem.h"
-#include "storedmessages.h"
+#include "storedmessage.h"
 
 #include <QSet>
 
 ZML_FUZZ_INIT
 
 using zelmodems::ShortMessage;
+using zelmodems::StoredMessage;
 using zelmodems::StoredPdu;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -45,26 +46,29 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     }
 
     QSet<int> seen;
-    for (const StoredMessage& message : groupStoredMessages(entries)) {
-        for (const int index : message.indexes) {
+    for (const StoredMessage& message : StoredMessage::group(entries)) {
+        for (const int index : message.indexes()) {
             ZML_FUZZ_CHECK(!seen.contains(index));
             seen.insert(index);
         }
-        if (!message.complete())
+        if (message.mayBeTaken())
+            ZML_FUZZ_CHECK(message.isComplete() && !message.isOutgoing());
+        if (!message.isComplete())
             continue;
-        ZML_FUZZ_CHECK(message.indexes.size() == message.partCount);
-        ZML_FUZZ_CHECK(QSet<int>(message.partsPresent.begin(), message.partsPresent.end()).size() == message.partCount);
-        const ShortMessage first = ShortMessage::decode(entries.at(message.indexes.first() - 1).pdu());
-        for (const int index : message.indexes) {
+        const QList<int> parts = message.partsPresent();
+        ZML_FUZZ_CHECK(message.indexes().size() == message.partCount());
+        ZML_FUZZ_CHECK(QSet<int>(parts.begin(), parts.end()).size() == message.partCount());
+        const ShortMessage first = ShortMessage::decode(entries.at(message.indexes().first() - 1).pdu());
+        for (const int index : message.indexes()) {
             const ShortMessage part = ShortMessage::decode(entries.at(index - 1).pdu());
-            ZML_FUZZ_CHECK(part.isValid() && part.type() == message.type);
+            ZML_FUZZ_CHECK(part.isValid() && part.type() == message.type());
             ZML_FUZZ_CHECK(part.address() == first.address());
             ZML_FUZZ_CHECK(part.concatReference() == first.concatReference());
         }
         // What take deletes is what it can print in full: a whole report
         // names its message and its outcome.
-        if (message.type == ShortMessage::StatusReport)
-            ZML_FUZZ_CHECK(message.reference >= 0 && message.reportStatus >= 0);
+        if (message.type() == ShortMessage::StatusReport)
+            ZML_FUZZ_CHECK(message.reportReference() >= 0 && message.reportStatus() >= 0);
     }
     return 0;
 }

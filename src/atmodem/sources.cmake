@@ -1,5 +1,5 @@
-# The AT command transport and the modem driver; the SMS store and sending;
-# USSD with the reply status.
+# The AT command transport and the modem driver, its input checks, the port
+# locks and the line dialogue the services over one modem run on.
 target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atmodem_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.cpp
@@ -12,20 +12,14 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atdialect_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/storedpdu.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/failure.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/portlock.cpp
     ${CMAKE_CURRENT_LIST_DIR}/linechannel_p.h
     ${CMAKE_CURRENT_LIST_DIR}/linechannel.cpp)
 zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
     ${CMAKE_CURRENT_LIST_DIR}/atcommands.h
-    ${CMAKE_CURRENT_LIST_DIR}/storedpdu.h
-    ${CMAKE_CURRENT_LIST_DIR}/messagestore.h
+    ${CMAKE_CURRENT_LIST_DIR}/failure.h
     ${CMAKE_CURRENT_LIST_DIR}/atinput.h
-    ${CMAKE_CURRENT_LIST_DIR}/smssender.h
-    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.h)

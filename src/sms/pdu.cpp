@@ -199,13 +199,7 @@ QString describeTime(const QDateTime& time, const QByteArray& raw)
 {
     if (!time.isValid())
         return PDU::tr("invalid (%1)").arg(hexOctets(raw));
-    const int offset = time.offsetFromUtc();
-    const int minutes = qAbs(offset) / 60;
-    return time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))
-        + QStringLiteral(" %1%2:%3")
-              .arg(offset < 0 ? QLatin1Char('-') : QLatin1Char('+'))
-              .arg(minutes / 60, 2, 10, QLatin1Char('0'))
-              .arg(minutes % 60, 2, 10, QLatin1Char('0'));
+    return PDU::isoTime(time);
 }
 
 // ---------------------------------------------------------------------------
@@ -682,6 +676,20 @@ PDU::Alphabet PDU::alphabetOfDcs(int dcs)
     if (group == 0x0F)
         return (dcs & 0x04) ? EightBitAlphabet : Gsm7Alphabet;
     return Gsm7Alphabet;
+}
+
+QString PDU::isoTime(const QDateTime& time)
+{
+    if (!time.isValid())
+        return QString();
+    // Always the offset, +00:00 included (Qt writes "Z" for UTC).
+    const int offset = time.offsetFromUtc();
+    const int minutes = qAbs(offset) / 60;
+    return time.toOffsetFromUtc(offset).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))
+         + QStringLiteral("%1%2:%3")
+               .arg(offset < 0 ? QLatin1Char('-') : QLatin1Char('+'))
+               .arg(minutes / 60, 2, 10, QLatin1Char('0'))
+               .arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }
 
 PDU::StatusClass PDU::statusClass(int status)

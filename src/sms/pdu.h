@@ -270,6 +270,10 @@ public:
     // TP-Status in words, e.g. "Short message received by the SME".
     static QString statusMeaning(int status);
     static StatusClass statusClass(int status);
+    // A time stamp in ISO 8601 with its zone offset always written
+    // (2026-11-24T09:57:42+03:00, 2026-11-24T06:57:42+00:00); empty when
+    // invalid. Every time the toolkit and the tools print is written so.
+    static QString isoTime(const QDateTime& time);
 
 private:
     QSharedDataPointer<PduData> d;

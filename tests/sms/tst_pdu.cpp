@@ -230,14 +230,14 @@ void TestPdu::explainStatusReport_data()
                                << "SMS-STATUS-REPORT\n"
                                   "  Message reference: 42\n"
                                   "  Recipient: +79161234567 (international)\n"
-                                  "  Service centre time stamp: 2021-05-11 13:12:16 +03:00\n"
-                                  "  Discharge time: 2021-05-11 13:12:20 +04:00\n"
+                                  "  Service centre time stamp: 2021-05-11T13:12:16+03:00\n"
+                                  "  Discharge time: 2021-05-11T13:12:20+04:00\n"
                                   "  Status: 0x00 (transaction completed): Short message received by the SME";
     QTest::newRow("failed, negative zone, no SMSC") << "06070B819861214365F7125011312161891250113121AAFF45" << false
         << "SMS-STATUS-REPORT\n"
            "  Message reference: 7\n"
            "  Recipient: 89161234567 (unknown type)\n"
-           "  Service centre time stamp: 2021-05-11 13:12:16 -04:30\n"
+           "  Service centre time stamp: 2021-05-11T13:12:16-04:30\n"
            "  Discharge time: invalid (12 50 11 31 21 AA FF)\n"
            "  Status: 0x45 (permanent error, no more attempts): No interworking available";
     const QString invalid = QStringLiteral("Invalid SMS-STATUS-REPORT: ");

@@ -1,6 +1,6 @@
 #include "dialoguerecorder.h"
 #include "portlock.h"
-#include "storedmessages.h"
+#include "pdu.h"
 #include "tooltext.h"
 
 #include <QDateTime>
@@ -181,7 +181,7 @@ bool DialogueRecorder::start(const QString& port, const QString& device, const Q
     const QJsonObject header{ { QStringLiteral("zelmodemsRecording"), 1 },
                               { QStringLiteral("port"), port },
                               { QStringLiteral("device"), device },
-                              { QStringLiteral("started"), isoTime(QDateTime::currentDateTime()) } };
+                              { QStringLiteral("started"), zelmodems::PDU::isoTime(QDateTime::currentDateTime()) } };
     d->file.write(QJsonDocument(header).toJson(QJsonDocument::Compact) + '\n');
     d->clock.start();
     d->relay = std::thread([this] { d->run(); });

@@ -9,7 +9,7 @@
 #include "messagestore.h"
 #include "modemsettings.h"
 #include "operatordata.h"
-#include "storedmessages.h"
+#include "storedmessage.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -343,13 +343,13 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
             if (!before.contains(QString::number(entry.index()) + QLatin1Char(' ') + entry.pdu()))
                 fresh << entry;
         }
-        for (const StoredMessage& message : groupStoredMessages(fresh)) {
-            if (message.outgoing() || !message.complete())
+        for (const zelmodems::StoredMessage& message : zelmodems::StoredMessage::group(fresh)) {
+            if (message.isOutgoing() || !message.isComplete())
                 continue;
-            number = nationalNumberIn(message.text);
+            number = nationalNumberIn(message.text());
             if (number.isEmpty())
                 continue;
-            for (const int index : message.indexes) {
+            for (const int index : message.indexes()) {
                 if (!store.remove(index))
                     report.line(Tool::tr("(the operator's message %1 stays on the modem: %2)")
                                     .arg(index)

@@ -4,7 +4,6 @@
 #include "commands.h"
 #include "pdu.h"
 #include "shortmessage.h"
-#include "storedmessages.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -52,7 +51,7 @@ void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
         report.line(Tool::tr("  Service centre: %1").arg(sms.serviceCentre()));
     report.line(QStringLiteral("  Sender: %1%2")
                     .arg(sms.address(), sms.isAlphanumericAddress() ? QStringLiteral(" (alphanumeric)") : QString()));
-    report.line(Tool::tr("  Service centre time stamp: %1").arg(isoTime(sms.serviceCentreTime())));
+    report.line(Tool::tr("  Service centre time stamp: %1").arg(zelmodems::PDU::isoTime(sms.serviceCentreTime())));
     report.line(Tool::tr("  Data coding scheme: 0x%1 (%2%3)")
                     .arg(sms.dataCodingScheme(), 2, 16, QLatin1Char('0'))
                     .arg(alphabetName(sms.alphabet()))
@@ -73,7 +72,7 @@ void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
     json.insert(QStringLiteral("serviceCentre"), sms.serviceCentre());
     json.insert(QStringLiteral("sender"), sms.address());
     json.insert(QStringLiteral("senderType"), sms.addressType());
-    json.insert(QStringLiteral("dateTime"), isoTime(sms.serviceCentreTime()));
+    json.insert(QStringLiteral("dateTime"), zelmodems::PDU::isoTime(sms.serviceCentreTime()));
     json.insert(QStringLiteral("dataCodingScheme"), sms.dataCodingScheme());
     json.insert(QStringLiteral("alphabet"), alphabetName(sms.alphabet()));
     json.insert(QStringLiteral("class"), orNull(sms.messageClass()));
@@ -142,8 +141,8 @@ void explainStatus(const QString& hex, bool withServiceCentre, Report& report)
     report.lines(indented(zelmodems::explainStatusReport(hex, withServiceCentre)));
     json.insert(QStringLiteral("messageReference"), status.messageReference());
     json.insert(QStringLiteral("recipient"), status.recipient());
-    json.insert(QStringLiteral("serviceCentreTime"), isoTime(status.serviceCentreTime()));
-    json.insert(QStringLiteral("dischargeTime"), isoTime(status.dischargeTime()));
+    json.insert(QStringLiteral("serviceCentreTime"), zelmodems::PDU::isoTime(status.serviceCentreTime()));
+    json.insert(QStringLiteral("dischargeTime"), zelmodems::PDU::isoTime(status.dischargeTime()));
     json.insert(QStringLiteral("status"), status.status());
     json.insert(QStringLiteral("meaning"), PDU::statusMeaning(status.status()));
 }

@@ -8,7 +8,7 @@
 #include "modemcommand.h"
 #include "modemsession.h"
 #include "smssender.h"
-#include "storedmessages.h"
+#include "storedmessage.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -36,40 +36,40 @@ QString statusText(StoredPdu::Status status)
     return Tool::tr("unknown");
 }
 
-QString partsText(const StoredMessage& message)
+QString partsText(const zelmodems::StoredMessage& message)
 {
-    if (message.partCount <= 1)
+    if (message.partCount() <= 1)
         return QString();
     QStringList present;
-    for (const int p : message.partsPresent)
+    for (const int p : message.partsPresent())
         present << QString::number(p);
-    if (message.ambiguous)
+    if (message.isAmbiguous())
         return Tool::tr("  (part %1 of %2, not joined: another part %1 from the same sender and reference "
                         "is stored)")
             .arg(present.join(QLatin1Char(',')))
-            .arg(message.partCount);
-    return message.complete() ? QStringLiteral("  (%1 parts)").arg(message.partCount)
+            .arg(message.partCount());
+    return message.isComplete() ? QStringLiteral("  (%1 parts)").arg(message.partCount())
                               : QStringLiteral("  (incomplete: part %1 of %2)")
                                     .arg(present.join(QLatin1Char(',')))
-                                    .arg(message.partCount);
+                                    .arg(message.partCount());
 }
 
-QString indexesText(const StoredMessage& message)
+QString indexesText(const zelmodems::StoredMessage& message)
 {
     QStringList indexes;
-    for (const int i : message.indexes)
+    for (const int i : message.indexes())
         indexes << QString::number(i);
     return indexes.isEmpty() ? QStringLiteral("?") : indexes.join(QLatin1Char(','));
 }
 
-QString portsText(const StoredMessage& message)
+QString portsText(const zelmodems::StoredMessage& message)
 {
-    if (message.destinationPort < 0)
+    if (message.destinationPort() < 0)
         return QString();
-    return message.originatorPort < 0 ? Tool::tr(", port %1").arg(message.destinationPort)
+    return message.originatorPort() < 0 ? Tool::tr(", port %1").arg(message.destinationPort())
                                       : Tool::tr(", port %1 (from port %2)")
-                                            .arg(message.destinationPort)
-                                            .arg(message.originatorPort);
+                                            .arg(message.destinationPort())
+                                            .arg(message.originatorPort());
 }
 
 QString reportStatusText(int status)
@@ -80,38 +80,38 @@ QString reportStatusText(int status)
 
 // A message for a person: a header line, then the text (indented), the
 // data in hexadecimal, or what the status report says.
-void describe(const StoredMessage& message, Report& report)
+void describe(const zelmodems::StoredMessage& message, Report& report)
 {
     report.line();
-    const QString status = statusText(message.status);
-    if (!message.decoded) {
+    const QString status = statusText(message.status());
+    if (!message.isDecoded()) {
         report.line(Tool::tr("[%1] %2  cannot be read: %3")
                         .arg(indexesText(message), status,
-                             message.problem.isEmpty() ? QStringLiteral("undecodable PDU") : message.problem));
+                             message.problem().isEmpty() ? QStringLiteral("undecodable PDU") : message.problem()));
         return;
     }
-    const QString when = message.time.isValid() ? isoTime(message.time) + QStringLiteral("  ") : QString();
+    const QString when = message.time().isValid() ? zelmodems::PDU::isoTime(message.time()) + QStringLiteral("  ") : QString();
     // On one line: a line break in an alphanumeric sender must not start a
     // line of its own.
-    const QString address = Report::escaped(message.address);
-    if (message.type == zelmodems::ShortMessage::StatusReport) {
+    const QString address = Report::escaped(message.address());
+    if (message.type() == zelmodems::ShortMessage::StatusReport) {
         report.line(Tool::tr("[%1] %2%3  status report for message %4 to %5")
                         .arg(indexesText(message), when, status)
-                        .arg(message.reference)
+                        .arg(message.reportReference())
                         .arg(address));
-        report.line(Tool::tr("  status: %1").arg(reportStatusText(message.reportStatus)));
-        if (message.dischargeTime.isValid())
-            report.line(Tool::tr("  at: %1").arg(isoTime(message.dischargeTime)));
+        report.line(Tool::tr("  status: %1").arg(reportStatusText(message.reportStatus())));
+        if (message.dischargeTime().isValid())
+            report.line(Tool::tr("  at: %1").arg(zelmodems::PDU::isoTime(message.dischargeTime())));
         return;
     }
-    const QString who = message.outgoing() ? Tool::tr("to %1").arg(address) : Tool::tr("from %1").arg(address);
+    const QString who = message.isOutgoing() ? Tool::tr("to %1").arg(address) : Tool::tr("from %1").arg(address);
     report.line(QStringLiteral("[%1] %2%3  %4%5").arg(indexesText(message), when, status, who, partsText(message)));
-    if (message.data) {
-        report.line(Tool::tr("  data, %1 octet(s)%2:").arg(message.userData.size()).arg(portsText(message)));
-        report.line(QStringLiteral("  ") + QString::fromLatin1(message.userData.toHex().toUpper()));
+    if (message.isData()) {
+        report.line(Tool::tr("  data, %1 octet(s)%2:").arg(message.userData().size()).arg(portsText(message)));
+        report.line(QStringLiteral("  ") + QString::fromLatin1(message.userData().toHex().toUpper()));
         return;
     }
-    for (const QString& textLine : message.text.split(QLatin1Char('\n')))
+    for (const QString& textLine : message.text().split(QLatin1Char('\n')))
         report.line(QStringLiteral("  ") + textLine);
 }
 
@@ -126,50 +126,50 @@ QString kindName(zelmodems::ShortMessage::Type type)
     return QStringLiteral("unknown");
 }
 
-QJsonObject toJson(const StoredMessage& message)
+QJsonObject toJson(const zelmodems::StoredMessage& message)
 {
     QJsonObject item;
     QJsonArray indexes;
-    for (const int i : message.indexes)
+    for (const int i : message.indexes())
         indexes.append(i);
     QJsonArray parts;
-    for (const int p : message.partsPresent)
+    for (const int p : message.partsPresent())
         parts.append(p);
-    const bool report = message.type == zelmodems::ShortMessage::StatusReport;
+    const bool report = message.type() == zelmodems::ShortMessage::StatusReport;
     item.insert(QStringLiteral("indexes"), indexes);
-    item.insert(QStringLiteral("storage"), message.storage.isEmpty() ? QJsonValue() : QJsonValue(message.storage));
-    item.insert(QStringLiteral("status"), StoredPdu::statusName(message.status));
-    item.insert(QStringLiteral("kind"), message.decoded ? kindName(message.type) : QStringLiteral("unknown"));
-    item.insert(QStringLiteral("outgoing"), message.outgoing());
-    item.insert(message.outgoing() || report ? QStringLiteral("recipient") : QStringLiteral("sender"),
-                message.decoded ? QJsonValue(message.address) : QJsonValue());
-    item.insert(QStringLiteral("dateTime"), message.time.isValid() ? QJsonValue(isoTime(message.time)) : QJsonValue());
-    item.insert(QStringLiteral("text"), message.decoded && !message.data && !report ? QJsonValue(message.text)
+    item.insert(QStringLiteral("storage"), message.storage().isEmpty() ? QJsonValue() : QJsonValue(message.storage()));
+    item.insert(QStringLiteral("status"), StoredPdu::statusName(message.status()));
+    item.insert(QStringLiteral("kind"), message.isDecoded() ? kindName(message.type()) : QStringLiteral("unknown"));
+    item.insert(QStringLiteral("outgoing"), message.isOutgoing());
+    item.insert(message.isOutgoing() || report ? QStringLiteral("recipient") : QStringLiteral("sender"),
+                message.isDecoded() ? QJsonValue(message.address()) : QJsonValue());
+    item.insert(QStringLiteral("dateTime"), message.time().isValid() ? QJsonValue(zelmodems::PDU::isoTime(message.time())) : QJsonValue());
+    item.insert(QStringLiteral("text"), message.isDecoded() && !message.isData() && !report ? QJsonValue(message.text())
                                                                                     : QJsonValue());
-    if (message.data) {
-        item.insert(QStringLiteral("data"), QString::fromLatin1(message.userData.toHex().toUpper()));
+    if (message.isData()) {
+        item.insert(QStringLiteral("data"), QString::fromLatin1(message.userData().toHex().toUpper()));
         item.insert(QStringLiteral("destinationPort"),
-                    message.destinationPort < 0 ? QJsonValue() : QJsonValue(message.destinationPort));
+                    message.destinationPort() < 0 ? QJsonValue() : QJsonValue(message.destinationPort()));
         item.insert(QStringLiteral("originatorPort"),
-                    message.originatorPort < 0 ? QJsonValue() : QJsonValue(message.originatorPort));
+                    message.originatorPort() < 0 ? QJsonValue() : QJsonValue(message.originatorPort()));
     }
-    if (report && message.decoded) {
-        item.insert(QStringLiteral("reference"), message.reference);
+    if (report && message.isDecoded()) {
+        item.insert(QStringLiteral("reference"), message.reportReference());
         item.insert(QStringLiteral("dischargeTime"),
-                    message.dischargeTime.isValid() ? QJsonValue(isoTime(message.dischargeTime)) : QJsonValue());
-        item.insert(QStringLiteral("reportStatus"), message.reportStatus);
-        item.insert(QStringLiteral("reportStatusText"), zelmodems::PDU::statusMeaning(message.reportStatus));
+                    message.dischargeTime().isValid() ? QJsonValue(zelmodems::PDU::isoTime(message.dischargeTime())) : QJsonValue());
+        item.insert(QStringLiteral("reportStatus"), message.reportStatus());
+        item.insert(QStringLiteral("reportStatusText"), zelmodems::PDU::statusMeaning(message.reportStatus()));
     }
-    item.insert(QStringLiteral("partCount"), message.partCount);
+    item.insert(QStringLiteral("partCount"), message.partCount());
     item.insert(QStringLiteral("partsPresent"), parts);
-    item.insert(QStringLiteral("complete"), message.complete());
-    item.insert(QStringLiteral("ambiguous"), message.ambiguous);
-    item.insert(QStringLiteral("problem"), message.problem.isEmpty() ? QJsonValue() : QJsonValue(message.problem));
+    item.insert(QStringLiteral("complete"), message.isComplete());
+    item.insert(QStringLiteral("ambiguous"), message.isAmbiguous());
+    item.insert(QStringLiteral("problem"), message.problem().isEmpty() ? QJsonValue() : QJsonValue(message.problem()));
     return item;
 }
 
 // Reads the store into `messages`; false with the report failed.
-bool readStore(ModemSession& session, QList<StoredMessage>& messages, Report& report)
+bool readStore(ModemSession& session, QList<zelmodems::StoredMessage>& messages, Report& report)
 {
     MessageStore store(&session.modem());
     QList<StoredPdu> entries;
@@ -177,22 +177,22 @@ bool readStore(ModemSession& session, QList<StoredMessage>& messages, Report& re
         report.fail(Tool::tr("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
         return false;
     }
-    messages = groupStoredMessages(entries);
+    messages = zelmodems::StoredMessage::group(entries);
     return true;
 }
 
 // Oldest first; messages without a time stamp (outgoing, unreadable) last,
 // each group in the store's order.
-void show(QList<StoredMessage> messages, const QString& heading, Report& report)
+void show(QList<zelmodems::StoredMessage> messages, const QString& heading, Report& report)
 {
-    std::stable_sort(messages.begin(), messages.end(), [](const StoredMessage& a, const StoredMessage& b) {
-        if (a.time.isValid() != b.time.isValid())
-            return a.time.isValid();
-        return a.time.isValid() && a.time < b.time;
+    std::stable_sort(messages.begin(), messages.end(), [](const zelmodems::StoredMessage& a, const zelmodems::StoredMessage& b) {
+        if (a.time().isValid() != b.time().isValid())
+            return a.time().isValid();
+        return a.time().isValid() && a.time() < b.time();
     });
     QJsonArray list;
     report.line(messages.isEmpty() ? QStringLiteral("No messages.") : heading.arg(messages.size()));
-    for (const StoredMessage& message : messages) {
+    for (const zelmodems::StoredMessage& message : messages) {
         describe(message, report);
         list.append(toJson(message));
     }
@@ -275,7 +275,7 @@ Report smsList(const QStringList& args)
                                         "is there. Nothing is deleted (\"sms delete\", \"sms take\"); the modem\n"
                                         "marks listed messages read."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
-        QList<StoredMessage> messages;
+        QList<zelmodems::StoredMessage> messages;
         if (readStore(session, messages, report))
             show(messages, Tool::tr("%1 message(s) in the modem:"), report);
     });
@@ -303,18 +303,16 @@ Report smsTake(const QStringList& args)
                                         "read, lone or doubtful parts of long messages and stored outgoing messages\n"
                                         "stay. Nothing is deleted when the output could not be written."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
-        QList<StoredMessage> all;
+        QList<zelmodems::StoredMessage> all;
         if (!readStore(session, all, report))
             return;
-        QList<StoredMessage> taken;
+        QList<zelmodems::StoredMessage> taken;
         QList<int> indexes;
-        for (const StoredMessage& message : qAsConst(all)) {
-            // Only what is printed in full is taken: a whole received
-            // message or report, never an outgoing one or a lone part.
-            if (message.complete() && (message.type == zelmodems::ShortMessage::Deliver
-                                       || message.type == zelmodems::ShortMessage::StatusReport)) {
+        for (const zelmodems::StoredMessage& message : qAsConst(all)) {
+            // Only what is printed in full is taken.
+            if (message.mayBeTaken()) {
                 taken << message;
-                indexes << message.indexes;
+                indexes << message.indexes();
             }
         }
         Report shown;
