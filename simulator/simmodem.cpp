@@ -37,6 +37,7 @@ struct FaultEntry
 
 struct SimModem::Private
 {
+    zelmodems::Failure failure;   // why start() or createLink() failed
     Profile profile;
 
     mutable std::mutex mutex;            // guards everything below up to the thread state
@@ -130,11 +131,14 @@ SimModem::~SimModem()
 bool SimModem::start(QString* error)
 {
     auto fail = [&](const char* what) {
+        const QString text = QStringLiteral("%1: %2").arg(QLatin1String(what), QString::fromLocal8Bit(strerror(errno)));
+        d->failure = zelmodems::Failure(zelmodems::Failure::SystemError, text);
         if (error)
-            *error = QStringLiteral("%1: %2").arg(QLatin1String(what), QString::fromLocal8Bit(strerror(errno)));
+            *error = text;
         d->closeDevice();
         return false;
     };
+    d->failure = zelmodems::Failure();
     if (d->thread.joinable())
         return true;
     d->master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
@@ -216,13 +220,25 @@ QString SimModem::ptyPath() const
 bool SimModem::createLink(const QString& linkPath)
 {
     std::lock_guard<std::mutex> lock(d->mutex);
-    if (d->ptyPath.isEmpty())
+    d->failure = zelmodems::Failure();
+    if (d->ptyPath.isEmpty()) {
+        d->failure = zelmodems::Failure(zelmodems::Failure::NotOpen, QStringLiteral("the modem is not started"));
         return false;
+    }
     QFile::remove(linkPath);
-    if (::symlink(QFile::encodeName(d->ptyPath).constData(), QFile::encodeName(linkPath).constData()) != 0)
+    if (::symlink(QFile::encodeName(d->ptyPath).constData(), QFile::encodeName(linkPath).constData()) != 0) {
+        d->failure = zelmodems::Failure(zelmodems::Failure::SystemError,
+                                        QStringLiteral("symlink %1: %2").arg(linkPath, QString::fromLocal8Bit(strerror(errno))));
         return false;
+    }
     d->linkPath = linkPath;
     return true;
+}
+
+zelmodems::Failure SimModem::failure() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->failure;
 }
 
 void SimModem::vanish()

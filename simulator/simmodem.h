@@ -1,4 +1,5 @@
 #pragma once
+#include "failure.h"
 #include "simprofile.h"
 #include "zelmodemssim_export.h"
 
@@ -118,6 +119,10 @@ public:
     // Makes `linkPath` a symbolic link to the pty (replacing what is there),
     // like udev's /dev/gsmmodem or /dev/ttyUSB names.
     bool createLink(const QString& linkPath);
+    // Why start() or createLink() failed (system-error with the system's
+    // reason, not-open for a link to a modem not started); no failure
+    // after a call that worked.
+    zelmodems::Failure failure() const;
 
     // The device disappears: the pty is closed under the client and its
     // link removed, as when a USB modem is pulled out.

@@ -72,6 +72,33 @@ int LineChannel::Answer::errorCode() const
     return ok ? code : -1;
 }
 
+Failure LineChannel::Answer::failure(const QString& text) const
+{
+    Failure::Code code = Failure::Refused;
+    switch (end) {
+    case End::Final:
+        if (final.startsWith("+CME ERROR:"))
+            code = Failure::CmeError;
+        else if (final.startsWith("+CMS ERROR:"))
+            code = Failure::CmsError;
+        else if (final == "COMMAND NOT SUPPORT")
+            code = Failure::NotSupported;
+        break;
+    case End::Prompt:
+        break;
+    case End::TimedOut:
+        code = Failure::NoAnswer;
+        break;
+    case End::PortGone:
+        code = Failure::Gone;
+        break;
+    case End::Overflow:
+        code = Failure::Malformed;
+        break;
+    }
+    return Failure(code, text, errorCode());
+}
+
 LineChannel::LineChannel(AtModem* modem) : m_modem(modem) {}
 
 bool LineChannel::isFinal(const QByteArray& line)

@@ -7,6 +7,8 @@
 // wait for the next read (only what was on the line before the channel's
 // first command, other than unsolicited codes, is dropped as stale). The
 // fixed AtModem calls keep their own rules.
+#include "failure.h"
+
 #include <QByteArray>
 #include <QList>
 
@@ -42,6 +44,8 @@ public:
         QString reason() const;
         // n of "+CMS ERROR: n" / "+CME ERROR: n"; -1 for others.
         int errorCode() const;
+        // The failure this answer is, told as `text`.
+        Failure failure(const QString& text) const;
     };
 
     explicit LineChannel(AtModem* modem);

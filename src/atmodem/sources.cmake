@@ -13,6 +13,8 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atdialect_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp
     ${CMAKE_CURRENT_LIST_DIR}/failure.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/signalquality.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/cellrecord.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
     ${CMAKE_CURRENT_LIST_DIR}/portlock.cpp
     ${CMAKE_CURRENT_LIST_DIR}/linechannel_p.h
@@ -21,5 +23,7 @@ zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/atmodem.h
     ${CMAKE_CURRENT_LIST_DIR}/atcommands.h
     ${CMAKE_CURRENT_LIST_DIR}/failure.h
+    ${CMAKE_CURRENT_LIST_DIR}/signalquality.h
+    ${CMAKE_CURRENT_LIST_DIR}/cellrecord.h
     ${CMAKE_CURRENT_LIST_DIR}/atinput.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.h)

@@ -2,6 +2,7 @@
 #include "portcatalogue.h"
 #include "portlock.h"
 
+#include <QFileInfo>
 #include <QSerialPortInfo>
 
 #include <atomic>
@@ -25,6 +26,19 @@ QStringList PortCatalogue::availablePorts() const
     for (const QSerialPortInfo& info : ports)
         names << info.portName();
     return names;
+}
+
+Failure PortCatalogue::availability(const QString& portName) const
+{
+    const QString device = devicePath(portName);
+    // The system's serial layer opens a bare name under /dev.
+    const QString path = device.contains(QLatin1Char('/')) ? device : QStringLiteral("/dev/") + device;
+    if (!port(portName).exists && !QFileInfo::exists(path))
+        return Failure(Failure::NotFound, tr("no such port: %1").arg(portName));
+    const PortLock lock = PortLock::of(device);
+    if (lock.isHeld() && lock.pid() != QCoreApplication::applicationPid())
+        return Failure(Failure::Busy, tr("%1 is in use by another program (%2)").arg(portName, lock.holder()));
+    return Failure();
 }
 
 PortCatalogue::Port PortCatalogue::port(const QString& portName) const

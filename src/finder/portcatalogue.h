@@ -1,6 +1,8 @@
 #pragma once
+#include "failure.h"
 #include "zelmodemslib_export.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
@@ -21,6 +23,8 @@ namespace zelmodems {
 // so every member must be safe to call from any thread.
 class ZELMODEMSLIB_EXPORT PortCatalogue
 {
+    Q_DECLARE_TR_FUNCTIONS(zelmodems::PortCatalogue)
+
 public:
     // One port as the catalogue describes it. The layout of this structure
     // is part of the library's binary interface.
@@ -51,6 +55,12 @@ public:
     // The link that the appliance's device rules make to a USB modem's data
     // interface.
     virtual QString dataPortLink() const;
+
+    // Whether `portName` can be opened now: not-found when neither the
+    // catalogue nor the file system has it, busy (with the holder) when
+    // another program's lock holds its device; no failure otherwise.
+    // This process's own locks never make a port busy.
+    Failure availability(const QString& portName) const;
 
     // The catalogue in use: the installed one, else the system's.
     static const PortCatalogue& instance();

@@ -14,11 +14,6 @@ namespace {
 const int SHORT_TIMEOUT_MS = 1000;
 const int LIST_TIMEOUT_MS = 5000;
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("zelmodems::MessageStore", text);
-}
-
 bool isHexLine(const QByteArray& line)
 {
     if (line.isEmpty() || line.size() % 2 != 0)
@@ -102,22 +97,24 @@ class MessageStorePrivate
 {
 public:
     AtModem* modem = nullptr;
-    QString lastError;
+    Failure failure;
 
-    bool fail(const QString& error)
+    bool fail(const Failure& why)
     {
-        lastError = error;
-        qCWarning(AT_MODEM()).noquote() << error;
+        failure = why;
+        qCWarning(AT_MODEM()).noquote() << why.text();
         return false;
     }
 
     // PDU mode, then the store in use ("SM", "ME"; empty when the modem
     // does not say). False, with the error set, when PDU mode is refused.
+    static QString tr(const char* text) { return MessageStore::tr(text); }
+
     bool prepare(LineChannel& channel, QString& storage)
     {
         const LineChannel::Answer mode = channel.command("+CMGF=0", SHORT_TIMEOUT_MS);
         if (!mode.ok())
-            return fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(mode.reason()));
+            return fail(mode.failure(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(mode.reason())));
         const LineChannel::Answer store = channel.command("+CPMS?", SHORT_TIMEOUT_MS);
         storage.clear();
         for (const QByteArray& line : store.lines) {
@@ -139,7 +136,12 @@ MessageStore::~MessageStore() = default;
 
 QString MessageStore::lastError() const
 {
-    return d->lastError;
+    return d->failure.text();
+}
+
+Failure MessageStore::failure() const
+{
+    return d->failure;
 }
 
 bool MessageStore::parseListing(const QByteArray& answer, QList<StoredPdu>& entries, QString* error)
@@ -176,7 +178,7 @@ bool MessageStore::parseListing(const QByteArray& answer, QList<StoredPdu>& entr
 bool MessageStore::list(QList<StoredPdu>& entries)
 {
     entries.clear();
-    d->lastError.clear();
+    d->failure = Failure();
     // Result codes count only as lines of their own, so an "OK" inside a
     // name or a text, or a RING between two entries, never cuts the list.
     LineChannel channel(d->modem);
@@ -186,27 +188,27 @@ bool MessageStore::list(QList<StoredPdu>& entries)
     const LineChannel::Answer answer = channel.command("+CMGL=4", LIST_TIMEOUT_MS);
     QString error;
     if (!parseListing(answer.text(), entries, &error))
-        return d->fail(error);
+        return d->fail(Failure(Failure::Malformed, error));
     for (StoredPdu& entry : entries)
         entry.setStorage(storage);
     if (!answer.ok())
-        return d->fail(tr("the listing did not end (AT+CMGL=4): %1").arg(answer.reason()));
+        return d->fail(answer.failure(tr("the listing did not end (AT+CMGL=4): %1").arg(answer.reason())));
     return true;
 }
 
 bool MessageStore::read(int index, StoredPdu& entry)
 {
     entry = StoredPdu();
-    d->lastError.clear();
+    d->failure = Failure();
     if (index < 0 || index > MaxIndex)
-        return d->fail(tr("%1 is not a store index").arg(index));
+        return d->fail(Failure(Failure::BadInput, tr("%1 is not a store index").arg(index)));
     LineChannel channel(d->modem);
     QString storage;
     if (!d->prepare(channel, storage))
         return false;
     const LineChannel::Answer answer = channel.command("+CMGR=" + QByteArray::number(index), SHORT_TIMEOUT_MS);
     if (!answer.ok())
-        return d->fail(tr("reading message %1 failed: %2").arg(index).arg(answer.reason()));
+        return d->fail(answer.failure(tr("reading message %1 failed: %2").arg(index).arg(answer.reason())));
     const QList<QByteArray>& all = answer.lines;
     for (int i = 0; i + 1 < all.size(); ++i) {
         if (all.at(i).startsWith("+CMGR:") && isHexLine(all.at(i + 1))) {
@@ -217,19 +219,40 @@ bool MessageStore::read(int index, StoredPdu& entry)
             return true;
         }
     }
-    return d->fail(tr("there is no message at index %1").arg(index));
+    return d->fail(Failure(Failure::NotFound, tr("there is no message at index %1").arg(index)));
 }
 
 bool MessageStore::remove(int index)
 {
-    d->lastError.clear();
+    d->failure = Failure();
     if (index < 0 || index > MaxIndex)
-        return d->fail(tr("%1 is not a store index").arg(index));
+        return d->fail(Failure(Failure::BadInput, tr("%1 is not a store index").arg(index)));
     LineChannel channel(d->modem);
     const LineChannel::Answer answer = channel.command("+CMGD=" + QByteArray::number(index), SHORT_TIMEOUT_MS);
     if (!answer.ok())
-        return d->fail(tr("deleting message %1 failed: %2").arg(index).arg(answer.reason()));
+        return d->fail(answer.failure(tr("deleting message %1 failed: %2").arg(index).arg(answer.reason())));
     return true;
+}
+
+bool MessageStore::listMessages(QList<StoredMessage>& messages)
+{
+    messages.clear();
+    QList<StoredPdu> entries;
+    if (!list(entries))
+        return false;
+    messages = StoredMessage::group(entries);
+    return true;
+}
+
+bool MessageStore::remove(const QList<int>& indexes)
+{
+    Failure first;
+    for (const int index : indexes) {
+        if (!remove(index) && !first.isFailure())
+            first = d->failure;
+    }
+    d->failure = first;
+    return !first.isFailure();
 }
 
 } // namespace zelmodems

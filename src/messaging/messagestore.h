@@ -1,8 +1,11 @@
 #pragma once
+#include "failure.h"
+#include "storedmessage.h"
 #include "storedpdu.h"
 #include "zelmodemslib_export.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QList>
 #include <QScopedPointer>
 #include <QString>
@@ -22,17 +25,19 @@ class MessageStorePrivate;
 //     AtModem modem(nullptr);
 //     modem.open("/dev/ttyUSB2", 115200, 3);
 //     zelmodems::MessageStore store(&modem);
-//     QList<zelmodems::StoredPdu> entries;
-//     if (!store.list(entries))
-//         qWarning() << store.lastError();
-//     for (const zelmodems::StoredPdu& entry : entries)
-//         if (entry.isComplete() && handled(entry) && !store.remove(entry.index()))
-//             qWarning() << entry.index() << store.lastError();
+//     QList<zelmodems::StoredMessage> messages;
+//     if (!store.listMessages(messages))
+//         qWarning() << store.failure().text();
+//     for (const zelmodems::StoredMessage& message : messages)
+//         if (message.mayBeTaken() && handled(message) && !store.remove(message.indexes()))
+//             qWarning() << message.indexes() << store.failure().text();
 //
 // The modem must be open; the calls block the caller's thread like every
 // AtModem command.
 class ZELMODEMSLIB_EXPORT MessageStore
 {
+    Q_DECLARE_TR_FUNCTIONS(zelmodems::MessageStore)
+
 public:
     // A listing larger than this cannot come from a real store (a full
     // store of a thousand messages lists in under half of it) and is refused.
@@ -51,14 +56,23 @@ public:
     // the modem refused or the listing did not end; `entries` then holds
     // what was read before.
     bool list(QList<StoredPdu>& entries);
+    // The same listing as messages a person sees: entries decoded and the
+    // parts of long messages joined (StoredMessage::group).
+    bool listMessages(QList<StoredMessage>& messages);
     // The entry at `index` (AT+CMGR). False when the slot is empty or the
     // modem refused.
     bool read(int index, StoredPdu& entry);
     // Deletes the entry at `index` (AT+CMGD). True only when the modem
     // confirmed it; an index outside 0..MaxIndex is refused unsent.
     bool remove(int index);
+    // Deletes each of `indexes` (a message's parts), going on after a
+    // failure; true when every deletion was confirmed, else the failure of
+    // the first that was not.
+    bool remove(const QList<int>& indexes);
 
-    // Why the last call failed.
+    // Why the last call failed; no failure after a call that worked.
+    Failure failure() const;
+    // failure().text().
     QString lastError() const;
 
     // The entries of an AT+CMGL answer, line by line in linear time. Lines

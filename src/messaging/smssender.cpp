@@ -20,11 +20,6 @@ const int PROMPT_TIMEOUT_MS = 2000;
 // ESC ends message entry; the modem answers it at once.
 const int ESCAPE_TIMEOUT_MS = 1000;
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("zelmodems::SmsSender", text);
-}
-
 } // namespace
 
 class SmsSenderPrivate
@@ -34,7 +29,7 @@ public:
     int confirmTimeoutMs = 30000;
     QList<int> references;
     int partCount = 0;
-    QString lastError;
+    Failure failure;
     QList<SmsSender::PartState> states;
     int errorCode = -1;
     std::function<void(int, SmsSender::PartState, int)> handler;
@@ -46,10 +41,12 @@ public:
             handler(part, state, reference);
     }
 
-    bool fail(const QString& error)
+    static QString tr(const char* text) { return SmsSender::tr(text); }
+
+    bool fail(const Failure& why)
     {
-        lastError = error;
-        qCWarning(AT_MODEM()).noquote() << error;
+        failure = why;
+        qCWarning(AT_MODEM()).noquote() << why.text();
         return false;
     }
 
@@ -108,7 +105,12 @@ bool SmsSender::unconfirmed() const
 
 QString SmsSender::lastError() const
 {
-    return d->lastError;
+    return d->failure.text();
+}
+
+Failure SmsSender::failure() const
+{
+    return d->failure;
 }
 
 QList<SmsSender::PartState> SmsSender::partStates() const
@@ -207,7 +209,7 @@ bool SmsSender::send(const QString& number, const QString& text)
 {
     d->references.clear();
     d->partCount = 0;
-    d->lastError.clear();
+    d->failure = Failure();
     d->states.clear();
     d->errorCode = -1;
 
@@ -215,11 +217,11 @@ bool SmsSender::send(const QString& number, const QString& text)
     if (problem.isEmpty())
         problem = AtInput::checkSmsText(text);
     if (!problem.isEmpty())
-        return d->fail(tr("refused, nothing sent: %1").arg(problem));
+        return d->fail(Failure(Failure::BadInput, tr("refused, nothing sent: %1").arg(problem)));
     QString error;
     const QList<PDU> parts = encodeSmsSubmit(number, text, PDU::SubmitOptions(), &error);
     if (parts.isEmpty())
-        return d->fail(tr("refused, nothing sent: %1").arg(error));
+        return d->fail(Failure(Failure::BadInput, tr("refused, nothing sent: %1").arg(error)));
     d->partCount = parts.size();
     for (int i = 0; i < parts.size(); ++i)
         d->states << NotSent;
@@ -227,7 +229,7 @@ bool SmsSender::send(const QString& number, const QString& text)
     LineChannel channel(d->modem);
     const LineChannel::Answer mode = channel.command("+CMGF=0", SHORT_TIMEOUT_MS);
     if (!mode.ok())
-        return d->fail(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(mode.reason()));
+        return d->fail(mode.failure(tr("the modem refused PDU mode (AT+CMGF=0): %1").arg(mode.reason())));
 
     for (int i = 0; i < parts.size(); ++i) {
         const PDU& part = parts.at(i);
@@ -240,10 +242,11 @@ bool SmsSender::send(const QString& number, const QString& text)
             if (prompt.end != LineChannel::End::Final && prompt.end != LineChannel::End::PortGone)
                 channel.write("\x1B", ESCAPE_TIMEOUT_MS);
             d->errorCode = prompt.errorCode();
-            return d->fail(tr("part %1 of %2: the modem gave no prompt for the PDU, nothing of it was sent: %3%4")
-                               .arg(number1).arg(parts.size())
-                               .arg(SmsSenderPrivate::refusal(prompt))
-                               .arg(d->sentSoFar(number1)));
+            return d->fail(prompt.failure(
+                tr("part %1 of %2: the modem gave no prompt for the PDU, nothing of it was sent: %3%4")
+                    .arg(number1).arg(parts.size())
+                    .arg(SmsSenderPrivate::refusal(prompt))
+                    .arg(d->sentSoFar(number1))));
         }
         const LineChannel::Answer answer = channel.write(part.toHex().toLatin1() + "\x1A", d->confirmTimeoutMs);
         if (answer.ok()) {
@@ -263,28 +266,30 @@ bool SmsSender::send(const QString& number, const QString& text)
             }
             // OK without a reference is no confirmation, and is said as it is.
             d->setState(number1, Unconfirmed);
-            return d->fail(tr("part %1 of %2: the modem said OK without a message reference — it may "
-                              "still arrive; check before sending again%3")
-                               .arg(number1).arg(parts.size()).arg(d->sentSoFar(number1)));
+            return d->fail(Failure(Failure::Unconfirmed,
+                                   tr("part %1 of %2: the modem said OK without a message reference — it may "
+                                      "still arrive; check before sending again%3")
+                                       .arg(number1).arg(parts.size()).arg(d->sentSoFar(number1))));
         }
         if (answer.end == LineChannel::End::Final) {
             // ERROR, +CMS ERROR: the message will not arrive.
             d->errorCode = answer.errorCode();
             d->setState(number1, Refused);
-            return d->fail(tr("part %1 of %2 was refused: %3%4")
-                               .arg(number1).arg(parts.size())
-                               .arg(SmsSenderPrivate::refusal(answer))
-                               .arg(d->sentSoFar(number1)));
+            return d->fail(answer.failure(tr("part %1 of %2 was refused: %3%4")
+                                              .arg(number1).arg(parts.size())
+                                              .arg(SmsSenderPrivate::refusal(answer))
+                                              .arg(d->sentSoFar(number1))));
         }
         // No answer in time: the PDU went out, so the network may still take
         // it. Saying so keeps a caller from sending the message twice.
         d->setState(number1, Unconfirmed);
-        return d->fail(tr("part %1 of %2 not confirmed within %3 s — it may still arrive; check before "
-                          "sending again: %4%5")
-                           .arg(number1).arg(parts.size())
-                           .arg((d->confirmTimeoutMs + 999) / 1000)
-                           .arg(answer.reason())
-                           .arg(d->sentSoFar(number1)));
+        return d->fail(Failure(answer.end == LineChannel::End::PortGone ? Failure::Gone : Failure::Unconfirmed,
+                               tr("part %1 of %2 not confirmed within %3 s — it may still arrive; check before "
+                                  "sending again: %4%5")
+                                   .arg(number1).arg(parts.size())
+                                   .arg((d->confirmTimeoutMs + 999) / 1000)
+                                   .arg(answer.reason())
+                                   .arg(d->sentSoFar(number1))));
     }
     return true;
 }

@@ -1,6 +1,8 @@
 #pragma once
+#include "failure.h"
 #include "zelmodemslib_export.h"
 
+#include <QCoreApplication>
 #include <QList>
 #include <QScopedPointer>
 #include <QString>
@@ -35,6 +37,8 @@ class SmsSenderPrivate;
 // leaves message entry and the next command is read as a command.
 class ZELMODEMSLIB_EXPORT SmsSender
 {
+    Q_DECLARE_TR_FUNCTIONS(zelmodems::SmsSender)
+
 public:
     enum PartState {
         NotSent,        // not handed to the modem (an earlier part failed)
@@ -62,6 +66,11 @@ public:
     // True when the last send failed because a confirmation did not come
     // in time: the message may still arrive.
     bool unconfirmed() const;
+    // Why the last send failed: bad input, a refusal (cms-error with its
+    // number), no prompt, unconfirmed or gone; no failure after a send
+    // that worked.
+    Failure failure() const;
+    // failure().text().
     QString lastError() const;
 
     // The state of each part of the last message, in order.

@@ -6,10 +6,12 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/storedmessage.cpp
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp
     ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/ownnumber.cpp)
 zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/storedpdu.h
     ${CMAKE_CURRENT_LIST_DIR}/storedmessage.h
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.h
     ${CMAKE_CURRENT_LIST_DIR}/smssender.h
-    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.h)
+    ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.h
+    ${CMAKE_CURRENT_LIST_DIR}/ownnumber.h)

@@ -15,7 +15,13 @@ public:
     AtModem* modem = nullptr;
     int status = -1;
     QString text;
-    QString error;
+    Failure failure;
+
+    bool fail(Failure::Code code, const QString& text)
+    {
+        failure = Failure(code, text);
+        return false;
+    }
 };
 
 namespace {
@@ -48,20 +54,17 @@ bool UssdRequest::send(const QString& code)
     using namespace atmodeminternal;
     d->status = -1;
     d->text.clear();
-    d->error.clear();
+    d->failure = Failure();
     if (code.isEmpty()) {
-        d->error = tr("No USSD code given");
-        return false;
+        return d->fail(Failure::BadInput, tr("No USSD code given"));
     }
     const QString unsafe = AtInput::checkArgument(code);
     if (!unsafe.isEmpty()) {
-        d->error = tr("Refused the USSD code, nothing sent: %1").arg(unsafe);
-        return false;
+        return d->fail(Failure::BadInput, tr("Refused the USSD code, nothing sent: %1").arg(unsafe));
     }
     AtModem* modem = d->modem;
     if (!modem->portOpen()) {
-        d->error = tr("The modem's port is not open");
-        return false;
+        return d->fail(Failure::NotOpen, tr("The modem's port is not open"));
     }
     // The reply may come before the OK, right after it in the same read,
     // or seconds later: every line that arrives is looked at, and nothing
@@ -88,21 +91,20 @@ bool UssdRequest::send(const QString& code)
     }
     if (!answer.ok() && reply.isEmpty()) {
         if (answer.end == LineChannel::End::PortGone)
-            d->error = tr("The modem is gone");
+            d->failure = answer.failure(tr("The modem is gone"));
         else if (answer.end == LineChannel::End::Final)
-            d->error = tr("The modem refused the request: %1").arg(answer.reason());
+            d->failure = answer.failure(tr("The modem refused the request: %1").arg(answer.reason()));
         else
-            d->error = tr("The modem did not take the request: %1").arg(answer.reason());
+            d->failure = answer.failure(tr("The modem did not take the request: %1").arg(answer.reason()));
         return false;
     }
     const int waitMs = USSD_ATTEMPTS * (USSD_PAUSE_MS + USSD_READS * USSD_READ_PAUSE_MS);
     if (reply.isEmpty()
         && !channel.waitFor("+CUSD:", int(qMax<qint64>(0, waitMs - clock.elapsed())), reply)) {
         if (!modem->portOpen())
-            d->error = tr("The modem is gone");
-        else
-            d->error = tr("No reply from the network within %1 s").arg((clock.elapsed() + 500) / 1000);
-        return false;
+            return d->fail(Failure::Gone, tr("The modem is gone"));
+        return d->fail(Failure::NoAnswer,
+                       tr("No reply from the network within %1 s").arg((clock.elapsed() + 500) / 1000));
     }
     const int status = statusIn(reply);
     d->status = status;
@@ -111,19 +113,33 @@ bool UssdRequest::send(const QString& code)
         d->text = text;
     if (status >= 0 && status <= 1)
         return true;
-    d->error = tr("The network answered with status %1: %2").arg(status).arg(statusMeaning(status));
-    return false;
+    // 4: the network does not offer the service; 5: it timed out; 2 and 3:
+    // the session was ended or taken elsewhere; no readable status at all.
+    const Failure::Code why = status == 4 ? Failure::NotSupported
+                             : status == 5 ? Failure::NoAnswer
+                             : status < 0 ? Failure::Malformed
+                                          : Failure::Refused;
+    return d->fail(why, tr("The network answered with status %1: %2").arg(status).arg(statusMeaning(status)));
 }
 
 bool UssdRequest::cancel()
 {
-    QByteArray answer;
-    return d->modem->sendCommand("+CUSD=2", answer, 2000);
+    d->failure = Failure();
+    if (!d->modem->portOpen())
+        return d->fail(Failure::NotOpen, tr("The modem's port is not open"));
+    // The same line dialogue as the request: only a whole-line OK confirms.
+    LineChannel channel(d->modem);
+    const LineChannel::Answer answer = channel.command("+CUSD=2", SHORT_TIMEOUT_MS * 2);
+    if (answer.ok())
+        return true;
+    d->failure = answer.failure(tr("The modem did not end the session: %1").arg(answer.reason()));
+    return false;
 }
 
 int UssdRequest::status() const { return d->status; }
 QString UssdRequest::text() const { return d->text; }
-QString UssdRequest::lastError() const { return d->error; }
+QString UssdRequest::lastError() const { return d->failure.text(); }
+Failure UssdRequest::failure() const { return d->failure; }
 
 QString UssdRequest::statusMeaning(int status)
 {

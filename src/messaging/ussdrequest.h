@@ -1,4 +1,5 @@
 #pragma once
+#include "failure.h"
 #include "zelmodemslib_export.h"
 
 #include <QCoreApplication>
@@ -40,13 +41,20 @@ public:
     // reply of status 0 (done) or 1 (the network waits for an answer: a
     // menu, ended with cancel()); false otherwise, with lastError().
     bool send(const QString& code);
-    // Ends a session the network keeps open (AT+CUSD=2).
+    // Ends a session the network keeps open (AT+CUSD=2); true when the
+    // modem confirmed it with OK.
     bool cancel();
 
     // The reply's status, -1 when none came.
     int status() const;
     // The reply's text, empty when it had none.
     QString text() const;
+    // Why the last call failed: bad input, not open, a refusal with its
+    // +CME number, no reply, a network status that is not a reply (4:
+    // not-supported, 5: no-answer, 2 and 3: refused); no failure after a
+    // call that worked.
+    Failure failure() const;
+    // failure().text().
     QString lastError() const;
 
     // The status in words: "no further action required", "further user

@@ -72,7 +72,7 @@ Report demo(const QStringList& args)
     DemoModems modems;
     QString error;
     if (!modems.start(&error)) {
-        report.fail(Tool::tr("cannot start the simulated modems: %1").arg(error));
+        report.fail(Tool::tr("cannot start the simulated modems: %1").arg(error), zelmodems::Failure::SystemError);
         return report;
     }
 
@@ -118,7 +118,7 @@ Report demo(const QStringList& args)
     report.json().insert(QStringLiteral("simulatedPorts"), simulated);
     report.json().insert(QStringLiteral("steps"), run.steps());
     if (run.failures() > 0)
-        report.fail(Tool::tr("%1 of %2 demo steps failed").arg(run.failures()).arg(run.steps().size()));
+        report.fail(Tool::tr("%1 of %2 demo steps failed").arg(run.failures()).arg(run.steps().size()), zelmodems::Failure::Refused);
     else if (!json)
         report.line(Tool::tr("\nDemo finished: %1 commands, all succeeded.").arg(run.steps().size()));
     return report;

@@ -281,7 +281,7 @@ Report find(const QStringList& args)
         report.fail(Tool::tr("%1 (%2 port(s) probed in %3)")
                         .arg(noDevices.isEmpty() ? Tool::tr("no modem found") : noDevices)
                         .arg(names.size())
-                        .arg(seconds(elapsed)));
+                        .arg(seconds(elapsed)), zelmodems::Failure::NotFound);
         return report;
     }
 

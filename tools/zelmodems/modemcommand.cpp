@@ -24,6 +24,6 @@ Report ModemCommand::run(const QStringList& args, const Work& work)
     // A failure because the device went away (pulled out, powered off) is
     // named as such rather than as the command's own complaint.
     if (report.failed() && !QFileInfo::exists(session.devicePath()))
-        report.fail(Tool::tr("%1 disappeared during the command (%2)").arg(session.portName(), report.error()));
+        report.fail(Tool::tr("%1 disappeared during the command (%2)").arg(session.portName(), report.error()), zelmodems::Failure::Gone);
     return report;
 }

@@ -162,7 +162,7 @@ bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& repor
         return true;
     if (!reply.isEmpty())
         report.field(Tool::tr("Reply"), reply);
-    report.fail(QStringLiteral("%1: %2").arg(code, ussd.lastError()));
+    report.fail(ussd.failure(), QStringLiteral("%1: %2").arg(code, ussd.lastError()));
     return false;
 }
 
@@ -316,7 +316,7 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
     zelmodems::MessageStore store(&modem);
     QList<zelmodems::StoredPdu> entries;
     if (!store.list(entries)) {
-        report.fail(Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
+        report.fail(store.failure(), Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
         return false;
     }
     // What was there before the request is never the answer.
@@ -328,14 +328,14 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
     if (!modem.sendUSSD2(code, ignored)) {
         const QString why = modem.lastError();
         report.fail(Tool::tr("the request %1 did not go through: %2")
-                        .arg(code, why.isEmpty() ? Tool::tr("no answer from the modem") : why));
+                        .arg(code, why.isEmpty() ? Tool::tr("no answer from the modem") : why), zelmodems::Failure::NoAnswer);
         return false;
     }
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < WAIT_MS) {
         if (!store.list(entries)) {
-            report.fail(Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
+            report.fail(store.failure(), Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
             return false;
         }
         QList<zelmodems::StoredPdu> fresh;
@@ -361,7 +361,7 @@ bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report
     }
     report.fail(Tool::tr("no message with a telephone number came within %1 s of %2")
                     .arg(WAIT_MS / 1000)
-                    .arg(code));
+                    .arg(code), zelmodems::Failure::NoAnswer);
     return false;
 }
 
@@ -452,7 +452,7 @@ Report info(const QStringList& args)
         if (!modem.pollAt(1000)) {
             report.fail(Tool::tr("the modem on %1 stopped answering during the queries; the fields shown as "
                                        "unknown were not read")
-                            .arg(session.portName()));
+                            .arg(session.portName()), zelmodems::Failure::NoAnswer);
         }
     });
 }
@@ -466,7 +466,7 @@ Report signal(const QStringList& args)
         if (!reportSignal(session.modem(), report)) {
             const QString why = session.modem().lastError();
             report.fail(Tool::tr("the modem did not report the signal level: %1")
-                            .arg(why.isEmpty() ? Tool::tr("no +CSQ in its answer") : why));
+                            .arg(why.isEmpty() ? Tool::tr("no +CSQ in its answer") : why), zelmodems::Failure::NoAnswer);
         }
     });
 }
@@ -488,7 +488,7 @@ Report cells(const QStringList& args)
         QString list;
         const bool neighbours = neighbourCells(modem, list);
         if (!serving && !neighbours) {
-            report.fail(Tool::tr("the modem reports no cell (not registered?)"));
+            report.fail(Tool::tr("the modem reports no cell (not registered?)"), zelmodems::Failure::NotFound);
             return;
         }
         if (serving) {
@@ -554,7 +554,7 @@ Report balance(const QStringList& args)
             OperatorData entry;
             if (!tableEntry(mcc, mnc, entry) || entry.balancePhone().isEmpty()) {
                 report.fail(Tool::tr("the operator table has no balance code for %1; give one with --code")
-                                .arg(codesText(mcc, mnc)));
+                                .arg(codesText(mcc, mnc)), zelmodems::Failure::NotFound);
                 return;
             }
             code = entry.balancePhone();
@@ -564,7 +564,7 @@ Report balance(const QStringList& args)
             return;
         // A reply of only a status carries no balance at all.
         if (reply.trimmed().isEmpty()) {
-            report.fail(Tool::tr("the network answered %1 without a reply text").arg(code));
+            report.fail(Tool::tr("the network answered %1 without a reply text").arg(code), zelmodems::Failure::Malformed);
             return;
         }
         // A balance only where the operator's text holds a number.
@@ -628,7 +628,7 @@ Report ownNumber(const QStringList& args)
                 if (!known || entry.selfNumberPhone().isEmpty()) {
                     report.fail(
                         Tool::tr("the operator table has no own-number code for %1; give one with --code")
-                            .arg(mcc > 0 ? codesText(mcc, mnc) : QStringLiteral("this SIM")));
+                            .arg(mcc > 0 ? codesText(mcc, mnc) : QStringLiteral("this SIM")), zelmodems::Failure::NotFound);
                     return;
                 }
                 code = entry.selfNumberPhone();
@@ -644,12 +644,12 @@ Report ownNumber(const QStringList& args)
         } else if (!session.modem().requestSelfNumber(false, code, number)) {
             const QString why = session.modem().lastError();
             report.fail(Tool::tr("the request %1 did not go through: %2")
-                            .arg(code, why.isEmpty() ? Tool::tr("no reply from the network") : why));
+                            .arg(code, why.isEmpty() ? Tool::tr("no reply from the network") : why), zelmodems::Failure::NoAnswer);
             return;
         }
         if (number.isEmpty()) {
             report.fail(Tool::tr("the operator's %1 held no telephone number")
-                            .arg(fromSms ? QStringLiteral("messages") : QStringLiteral("reply")));
+                            .arg(fromSms ? QStringLiteral("messages") : QStringLiteral("reply")), zelmodems::Failure::Malformed);
             return;
         }
         report.field(Tool::tr("Own number"), number);

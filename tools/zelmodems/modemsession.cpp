@@ -34,14 +34,9 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         m_portName = declared->normalize(m_portName);
     const QString device = ports.devicePath(m_portName);
     m_device = device;
-    const bool known = declared ? declared->exists(m_portName) : QFileInfo::exists(device);
-    if (!known) {
-        report.fail(Tool::tr("no such port: %1").arg(m_portName));
-        return false;
-    }
-    const QString holder = holderOf(device);
-    if (!holder.isEmpty()) {
-        report.fail(Tool::tr("%1 is in use by another program (%2)").arg(m_portName, holder));
+    const zelmodems::Failure available = ports.availability(m_portName);
+    if (available.isFailure()) {
+        report.fail(available);
         return false;
     }
     QString opened = device;
@@ -50,7 +45,7 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         m_recorder = std::make_unique<DialogueRecorder>();
         QString why;
         if (!m_recorder->start(m_portName, device, recording, &why)) {
-            report.fail(Tool::tr("cannot record: %1").arg(why));
+            report.fail(Tool::tr("cannot record: %1").arg(why), zelmodems::Failure::SystemError);
             return false;
         }
         opened = m_recorder->clientPath();
@@ -58,13 +53,13 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         Report::setDeviceAlias(opened, m_portName);
     }
     if (!m_modem.open(opened, commandLine.baud(), commandLine.attempts())) {
-        const QString holder = holderOf(device);
-        if (!holder.isEmpty()) {
-            report.fail(Tool::tr("%1 is in use by another program (%2)").arg(m_portName, holder));
+        const zelmodems::Failure taken = ports.availability(m_portName);
+        if (taken.code() == zelmodems::Failure::Busy) {
+            report.fail(taken);
             return false;
         }
         if (!QFileInfo::exists(device)) {
-            report.fail(Tool::tr("%1 disappeared while it was being opened").arg(m_portName));
+            report.fail(Tool::tr("%1 disappeared while it was being opened").arg(m_portName), zelmodems::Failure::Gone);
             return false;
         }
         QString why = m_modem.lastError();
@@ -73,7 +68,7 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
         report.fail(Tool::tr("no modem answers on %1 at %2 baud: %3")
                         .arg(m_portName)
                         .arg(commandLine.baud())
-                        .arg(why));
+                        .arg(why), zelmodems::Failure::NoAnswer);
         return false;
     }
     report.json().insert(QStringLiteral("port"), m_portName);
@@ -92,6 +87,6 @@ bool ModemSession::operatorCodes(int& mcc, int& mnc, Report& report)
     QString why = m_modem.lastError();
     if (why.isEmpty())
         why = Tool::tr("the SIM gives no IMSI (no SIM card, or a PIN is needed?)");
-    report.fail(Tool::tr("cannot read the SIM's operator codes on %1: %2").arg(m_portName, why));
+    report.fail(Tool::tr("cannot read the SIM's operator codes on %1: %2").arg(m_portName, why), zelmodems::Failure::NoAnswer);
     return false;
 }

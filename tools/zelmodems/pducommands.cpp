@@ -42,7 +42,7 @@ void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("type"), QStringLiteral("SMS-DELIVER"));
     if (!sms.isValid()) {
-        report.fail(QStringLiteral("invalid SMS-DELIVER: %1").arg(sms.error()));
+        report.fail(QStringLiteral("invalid SMS-DELIVER: %1").arg(sms.error()), zelmodems::Failure::Malformed);
         return;
     }
     const auto orNull = [](int value) { return value < 0 ? QJsonValue() : QJsonValue(value); };
@@ -95,7 +95,7 @@ void explainSubmit(const QString& hex, bool withServiceCentre, Report& report)
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("type"), QStringLiteral("SMS-SUBMIT"));
     if (!submit.valid()) {
-        report.fail(QStringLiteral("invalid SMS-SUBMIT: %1").arg(submit.error()));
+        report.fail(QStringLiteral("invalid SMS-SUBMIT: %1").arg(submit.error()), zelmodems::Failure::Malformed);
         return;
     }
     report.line(QStringLiteral("SMS-SUBMIT"));
@@ -135,7 +135,7 @@ void explainStatus(const QString& hex, bool withServiceCentre, Report& report)
     QJsonObject& json = report.json();
     json.insert(QStringLiteral("type"), QStringLiteral("SMS-STATUS-REPORT"));
     if (!status.valid()) {
-        report.fail(QStringLiteral("invalid SMS-STATUS-REPORT: %1").arg(status.error()));
+        report.fail(QStringLiteral("invalid SMS-STATUS-REPORT: %1").arg(status.error()), zelmodems::Failure::Malformed);
         return;
     }
     report.lines(indented(zelmodems::explainStatusReport(hex, withServiceCentre)));
@@ -226,7 +226,7 @@ Report pduEncode(const QStringList& args)
     QString error;
     const QList<PDU> pdus = zelmodems::encodeSmsSubmit(cl.positional(0), cl.positional(1), options, &error);
     if (pdus.isEmpty()) {
-        report.fail(Tool::tr("cannot encode the message: %1").arg(error));
+        report.fail(Tool::tr("cannot encode the message: %1").arg(error), zelmodems::Failure::BadInput);
         return report;
     }
     QJsonArray parts;
@@ -281,14 +281,14 @@ Report pduExplain(const QStringList& args)
     const int firstOctet = withServiceCentre ? 1 + static_cast<uchar>(octets.at(0)) : 0;
     if (firstOctet >= octets.size()) {
         report.fail(Tool::tr("the PDU ends before its first octet (is the service-centre part "
-                                   "missing? see --no-smsc)"));
+                                   "missing? see --no-smsc)"), zelmodems::Failure::Malformed);
         return report;
     }
     switch (static_cast<uchar>(octets.at(firstOctet)) & 0x03) {
     case 0: explainDeliver(hex, withServiceCentre, report); break;
     case 1: explainSubmit(hex, withServiceCentre, report); break;
     case 2: explainStatus(hex, withServiceCentre, report); break;
-    default: report.fail(Tool::tr("message type indicator 3 is reserved: not an SMS PDU")); break;
+    default: report.fail(Tool::tr("message type indicator 3 is reserved: not an SMS PDU"), zelmodems::Failure::Malformed); break;
     }
     return report;
 }

@@ -19,10 +19,18 @@ void Report::lines(const QStringList& text)
     m_lines << text;
 }
 
-void Report::fail(const QString& message, Status status)
+void Report::fail(const QString& message, Status status, zelmodems::Failure::Code code)
 {
     m_error = message;
     m_status = status == Success ? Failure : status;
+    m_code = m_status == UsageError ? zelmodems::Failure::BadInput : code;
+    m_errorNumber = -1;
+}
+
+void Report::fail(const zelmodems::Failure& why, const QString& message)
+{
+    fail(message.isEmpty() ? why.text() : message, Failure, why.code());
+    m_errorNumber = why.number();
 }
 
 namespace {
@@ -111,6 +119,9 @@ int Report::print(const QString& who) const
         if (asJson && !m_printed) {
             QJsonObject failure = m_json;
             failure.insert(QStringLiteral("error"), aliased(m_error));
+            failure.insert(QStringLiteral("errorCode"), zelmodems::Failure::codeName(m_code));
+            if (m_errorNumber >= 0)
+                failure.insert(QStringLiteral("errorNumber"), m_errorNumber);
             failure.insert(QStringLiteral("exitStatus"), m_status);
             Console::out() << QJsonDocument(failure).toJson(QJsonDocument::Indented);
         }

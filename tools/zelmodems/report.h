@@ -1,4 +1,6 @@
 #pragma once
+#include "failure.h"
+
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -29,8 +31,16 @@ public:
     QJsonObject& json() { return m_json; }
     const QJsonObject& json() const { return m_json; }
 
-    // The command failed: `message` goes to standard error.
-    void fail(const QString& message, Status status = Failure);
+    // The command failed: `message` goes to standard error, and JSON gets
+    // it with the code's stable name ("errorCode"); a usage error is
+    // always bad-input.
+    void fail(const QString& message, Status status, zelmodems::Failure::Code code);
+    void fail(const QString& message, zelmodems::Failure::Code code) { fail(message, Failure, code); }
+    void fail(const QString& message, Status status) { fail(message, status, zelmodems::Failure::BadInput); }
+    // The library's failure: its code and number go with the text, and
+    // `message` (when given) is said instead of the library's text.
+    void fail(const zelmodems::Failure& why, const QString& message = QString());
+    zelmodems::Failure::Code errorCode() const { return m_code; }
     // Help text: printed as it is, whether JSON was asked for or not.
     void setHelp(const QString& text);
 
@@ -69,6 +79,8 @@ private:
     QString m_error;
     QString m_help;
     int m_status = Success;
+    zelmodems::Failure::Code m_code = zelmodems::Failure::NoFailure;
+    int m_errorNumber = -1;
     bool m_jsonOutput = false;
     bool m_printed = false;
 };

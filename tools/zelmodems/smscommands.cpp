@@ -174,7 +174,7 @@ bool readStore(ModemSession& session, QList<zelmodems::StoredMessage>& messages,
     MessageStore store(&session.modem());
     QList<StoredPdu> entries;
     if (!store.list(entries)) {
-        report.fail(Tool::tr("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
+        report.fail(store.failure(), Tool::tr("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
         return false;
     }
     messages = zelmodems::StoredMessage::group(entries);
@@ -232,7 +232,7 @@ bool deleteIndexes(ModemSession& session, const QList<int>& indexes, Report& rep
     }
     report.json().insert(QStringLiteral("deleted"), deleted);
     if (!failures.isEmpty()) {
-        report.fail(failures.join(QStringLiteral("; ")));
+        report.fail(failures.join(QStringLiteral("; ")), zelmodems::Failure::Refused);
         return false;
     }
     return true;
@@ -321,13 +321,13 @@ Report smsTake(const QStringList& args)
         shown.json().insert(QStringLiteral("left"), all.size() - taken.size());
         if (shown.print(QStringLiteral("zelmodems sms take")) != Report::Success) {
             report.setPrinted();
-            report.fail(Tool::tr("the messages could not be written out; none was deleted"));
+            report.fail(Tool::tr("the messages could not be written out; none was deleted"), zelmodems::Failure::SystemError);
             return;
         }
         report.setPrinted();
         Report deletions;
         if (!deleteIndexes(session, indexes, deletions))
-            report.fail(Tool::tr("not every message taken was deleted: %1").arg(deletions.error()));
+            report.fail(Tool::tr("not every message taken was deleted: %1").arg(deletions.error()), deletions.errorCode());
     });
 }
 
@@ -399,7 +399,7 @@ Report smsSend(const QStringList& args)
                              partResults(sender.partStates(), sender.references(), 0, sender.errorCode()));
         report.json().insert(QStringLiteral("sent"), sent);
         if (!sent) {
-            report.fail(Tool::tr("message to %1: %2").arg(number, sender.lastError()));
+            report.fail(sender.failure(), Tool::tr("message to %1: %2").arg(number, sender.lastError()));
             return;
         }
         QStringList refs;

@@ -99,7 +99,7 @@ Report wvdialconf(const QStringList& args)
         WvDialConfWrapper::WVDIAL_COMMAND = cl.value(PROGRAM);
     const QString program = WvDialConfWrapper::WVDIAL_COMMAND;
     if (!QFileInfo(program).isExecutable()) {
-        report.fail(Tool::tr("%1 is not there or not executable (Debian: apt install wvdial)").arg(program));
+        report.fail(Tool::tr("%1 is not there or not executable (Debian: apt install wvdial)").arg(program), zelmodems::Failure::NotFound);
         return report;
     }
 
@@ -111,14 +111,14 @@ Report wvdialconf(const QStringList& args)
         report.fail(Tool::tr("the folder %1 for the search file is not there or not writable (the work "
                                    "directory comes from /opt/orvel5zel/etc/zel5.conf, or QT5EXT_INITCONFIG); "
                                    "nothing was stopped")
-                        .arg(modemsDir.filePath()));
+                        .arg(modemsDir.filePath()), zelmodems::Failure::SystemError);
         return report;
     }
     const QStringList dialers = runningDialers();
     if (!dialers.isEmpty() && !cl.isSet(YES) && !confirmed(dialers)) {
         report.fail(Tool::tr("%1 would be stopped and their connections dropped; nothing was stopped (run "
                                    "again with --yes to go on)")
-                        .arg(dialers.join(QStringLiteral(", "))));
+                        .arg(dialers.join(QStringLiteral(", "))), zelmodems::Failure::Busy);
         return report;
     }
     // Whole seconds: file times may be stored without fractions.
@@ -139,12 +139,12 @@ Report wvdialconf(const QStringList& args)
         toolErrors.removeAll(QString());
         report.fail(Tool::tr("%1 did not write %2: %3")
                         .arg(program, searchFile,
-                             toolErrors.isEmpty() ? Tool::tr("it said nothing") : toolErrors.join(QLatin1String("; "))));
+                             toolErrors.isEmpty() ? Tool::tr("it said nothing") : toolErrors.join(QLatin1String("; "))), zelmodems::Failure::SystemError);
         return report;
     }
     QFile file(searchFile);
     if (!file.open(QIODevice::ReadOnly)) {
-        report.fail(Tool::tr("cannot read %1: %2").arg(searchFile, file.errorString()));
+        report.fail(Tool::tr("cannot read %1: %2").arg(searchFile, file.errorString()), zelmodems::Failure::SystemError);
         return report;
     }
     const QString content = QString::fromUtf8(file.readAll());
