@@ -73,7 +73,10 @@ bool OwnNumber::byUssd(const QString& code)
     if (!d->request(ussd, code))
         return false;
     d->source = ussd.text();
-    d->number = nationalNumberIn(d->source);
+    // Operators write the number for people: "+7 (926) 123-45-67".
+    QString digits = d->source;
+    digits.remove(QLatin1Char('(')).remove(QLatin1Char(')')).remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
+    d->number = nationalNumberIn(digits);
     if (d->number.isEmpty())
         return d->fail(Failure(Failure::Malformed, tr("the operator's reply held no telephone number")));
     return true;
@@ -93,9 +96,13 @@ bool OwnNumber::bySms(const QString& code, int waitMs, int pollMs)
     for (const StoredPdu& entry : qAsConst(entries))
         before.insert(QString::number(entry.index()) + QLatin1Char(' ') + entry.pdu());
 
+    // The number comes by SMS whatever the network says to the request
+    // itself (many answer "not supported" and send the message anyway); a
+    // request that never reached the network is the end.
     UssdRequest ussd(d->modem);
-    if (!d->request(ussd, code))
+    if (!d->request(ussd, code) && ussd.status() < 0)
         return false;
+    d->failure = Failure();
     QElapsedTimer clock;
     clock.start();
     for (;;) {

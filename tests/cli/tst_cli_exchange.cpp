@@ -96,11 +96,12 @@ private slots:
         QVERIFY(modem);
         QSerialPort holder(modem->devicePath());
         QVERIFY2(holder.open(QIODevice::ReadWrite), qPrintable(holder.errorString()));
-        const clitest::Result r = run({"signal", modem->devicePath(), "--attempts", "1"});
+        const clitest::Result r = run({"signal", modem->devicePath(), "--attempts", "1", "--json"});
         QCOMPARE(r.exitCode, 1);
         QVERIFY2(r.err.contains(QStringLiteral("is in use by another program (pid %1")
                                     .arg(QCoreApplication::applicationPid())),
                  r.describe());
+        QCOMPARE(r.json().value("errorCode").toString(), QStringLiteral("busy"));
     }
 
     void ownNumberBySmsDeletesOnlyTheReply()
@@ -233,6 +234,8 @@ private slots:
         QVERIFY2(refused.json().value("error").toString().contains("network out of order")
                      && !refused.json().value("error").toString().contains("may still arrive"),
                  refused.describe());
+        QCOMPARE(refused.json().value("errorCode").toString(), QStringLiteral("cms-error"));
+        QCOMPARE(refused.json().value("errorNumber").toInt(), 38);
         modem->setSmsRefusal(QByteArray());
 
         modem->setSmsConfirmation(false);

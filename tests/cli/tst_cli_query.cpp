@@ -66,6 +66,14 @@ private slots:
         QCOMPARE(json.json().value("signal").toInt(), -51);
         QCOMPARE(json.json().value("rating").toString(), QStringLiteral("excellent"));
         QVERIFY2(json.err.isEmpty(), json.describe());   // no dialogue unless asked
+
+        // 99: the modem cannot tell; nothing is invented.
+        m_cinterion->setAnswer("+CSQ", "+CSQ: 99,99");
+        const clitest::Result unknown = run({"signal", "--json", port("cinterion")});
+        m_cinterion->setAnswer("+CSQ", "+CSQ: 20,99");
+        QCOMPARE(unknown.exitCode, 0);
+        QVERIFY(unknown.json().value("signal").isNull());
+        QCOMPARE(unknown.json().value("rating").toString(), QStringLiteral("unknown"));
     }
 
     void cells()

@@ -2,14 +2,17 @@
 // broken listings, list/read/remove against the simulated modem), and
 // sending in PDU mode, confirmed part by part.
 #include "messagestore.h"
+#include "ownnumber.h"
 #include "pdu.h"
 #include "simfixture.h"
 #include "smssender.h"
 
 #include <functional>
 
+using zelmodems::Failure;
 using zelmodems::MessageStore;
 using zelmodems::SmsSender;
+using zelmodems::StoredMessage;
 using zelmodems::StoredPdu;
 
 namespace {
@@ -115,6 +118,7 @@ private slots:
         QVERIFY(!store.list(entries));
         QVERIFY(entries.isEmpty());
         QCOMPARE(store.lastError(), QStringLiteral("the modem refused PDU mode (AT+CMGF=0): ERROR"));
+        QCOMPARE(store.failure().code(), Failure::Refused);
     }
 
     void removeReportsEachResult()
@@ -127,6 +131,8 @@ private slots:
         QVERIFY(sim.storedSms().isEmpty());
         QVERIFY(!store.remove(2));   // gone already: the modem's refusal is the reason
         QVERIFY2(store.lastError().contains(QLatin1String("+CMS ERROR: 321")), qPrintable(store.lastError()));
+        QCOMPARE(store.failure().code(), Failure::CmsError);
+        QCOMPARE(store.failure().number(), 321);
 
         StoredPdu entry;
         sim.storeSms(PDU_B, 0, 5);
@@ -135,11 +141,15 @@ private slots:
         QCOMPARE(entry.status(), StoredPdu::Unread);
         QCOMPARE(entry.storage(), QStringLiteral("SM"));
         QVERIFY(!store.read(2, entry));
+        QCOMPARE(store.failure().code(), Failure::CmsError);   // the modem's "invalid memory index"
 
         sim.clearLog();
         QVERIFY(!store.remove(-1));
         QVERIFY(!store.remove(MessageStore::MaxIndex + 1));
+        QCOMPARE(store.failure().code(), Failure::BadInput);
         QVERIFY(sim.commands().isEmpty());   // refused indexes are never sent
+        QVERIFY(store.remove(QList<int>{5}));
+        QVERIFY(!store.failure().isFailure());
     }
 
     // A part ends sent, refused or unconfirmed, and is said to be so; a
@@ -152,12 +162,13 @@ private slots:
         QTest::addColumn<int>("state");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("error");
+        QTest::addColumn<int>("failure");
         QTest::newRow("network out of order") << QByteArray("+CMS ERROR: 38") << 0 << int(SmsSender::Refused) << 38
-                                              << "refused: +CMS ERROR: 38 (network out of order)";
+                                              << "refused: +CMS ERROR: 38 (network out of order)" << int(Failure::CmsError);
         QTest::newRow("plain ERROR") << QByteArray("ERROR") << 0 << int(SmsSender::Refused) << -1
-                                     << "was refused: ERROR";
+                                     << "was refused: ERROR" << int(Failure::Refused);
         QTest::newRow("late prompt") << QByteArray() << 2300 << int(SmsSender::NotSent) << -1
-                                     << "gave no prompt for the PDU, nothing of it was sent";
+                                     << "gave no prompt for the PDU, nothing of it was sent" << int(Failure::NoAnswer);
     }
 
     void sendEndsAsTheModemSaid()
@@ -167,6 +178,7 @@ private slots:
         QFETCH(int, state);
         QFETCH(int, code);
         QFETCH(QString, error);
+        QFETCH(int, failure);
         ZML_OPEN(zelmodems::sim::Make::Huawei);
         sim.setSmsRefusal(refusal);
         sim.setPromptDelay(promptDelay);
@@ -180,6 +192,8 @@ private slots:
         QVERIFY(!sender.unconfirmed());
         QCOMPARE(sender.errorCode(), code);
         QVERIFY2(sender.lastError().contains(error), qPrintable(sender.lastError()));
+        QCOMPARE(int(sender.failure().code()), failure);
+        QCOMPARE(sender.failure().number(), code);
         sim.waitUntilQuiet();
         QVERIFY(sim.sentMessages().isEmpty());
 
@@ -229,6 +243,7 @@ private slots:
             // The appliance's log says why, as the caller is told.
             QVERIFY(!log.find(QtWarningMsg, QStringLiteral("atmodem"), sender.lastError()).isEmpty());
             QCOMPARE(sender.unconfirmed(), parts > 0);   // sent but unconfirmed, or refused unsent
+            QCOMPARE(sender.failure().code(), parts > 0 ? Failure::Unconfirmed : Failure::BadInput);
             return;
         }
         QString joined;
@@ -239,6 +254,68 @@ private slots:
             joined += submit.text();
         }
         QCOMPARE(joined, text);
+    }
+
+    // What may be taken: a whole received message or report; never an
+    // outgoing one, a lone part, a doubtful set or an unreadable entry.
+    void storedMessagesAsAPersonSeesThem()
+    {
+        using zelmodems::sim::DeliverPdu;
+        const QDateTime time(QDate(2026, 11, 24), QTime(9, 57, 42), Qt::UTC);
+        const QByteArray a1 = DeliverPdu::ucs2("+79161234567", time, QStringLiteral("Hel"), 7, 1, 2);
+        const QByteArray a2 = DeliverPdu::ucs2("+79161234567", time, QStringLiteral("lo"), 7, 2, 2);
+        const QByteArray lone = DeliverPdu::ucs2("+79031112233", time, QStringLiteral("half"), 9, 1, 2);
+        const QList<StoredPdu> entries{StoredPdu(4, StoredPdu::Read, QString::fromLatin1(a2)),
+                                       StoredPdu(2, StoredPdu::Unread, QString::fromLatin1(a1)),
+                                       StoredPdu(3, StoredPdu::Read, QString::fromLatin1(lone)),
+                                       StoredPdu(5, StoredPdu::Sent,
+                                                 zelmodems::encodeSmsSubmit(QStringLiteral("+79161234567"),
+                                                                            QStringLiteral("hi")).first().toHex()),
+                                       StoredPdu(6, StoredPdu::Read, QStringLiteral("00ZZ"))};
+        const QList<StoredMessage> messages = StoredMessage::group(entries);
+        QCOMPARE(messages.size(), 4);
+        QCOMPARE(messages.at(0).indexes(), (QList<int>{2, 4}));
+        QCOMPARE(messages.at(0).text(), QStringLiteral("Hello"));
+        QCOMPARE(messages.at(0).status(), StoredPdu::Unread);
+        QCOMPARE(messages.at(0).time(), time);
+        QVERIFY(messages.at(0).isComplete() && messages.at(0).mayBeTaken());
+        QVERIFY(!messages.at(1).isComplete() && !messages.at(1).mayBeTaken());
+        QCOMPARE(messages.at(1).partsPresent(), QList<int>{1});
+        QVERIFY(messages.at(2).isOutgoing() && !messages.at(2).mayBeTaken());
+        QVERIFY(!messages.at(3).isDecoded() && !messages.at(3).mayBeTaken());
+        QVERIFY(!messages.at(3).problem().isEmpty());
+    }
+
+    // (By SMS: tst_cli_exchange, through the tool.)
+    void ownNumberByUssd()
+    {
+        ZML_OPEN(zelmodems::sim::Make::Huawei);
+        sim.setUssdReply("*205#", zelmodems::sim::Ussd::plain("Vash nomer +7 (926) 123-45-67"));
+        zelmodems::OwnNumber own(&modem);
+        QVERIFY2(own.byUssd(QStringLiteral("*205#")), qPrintable(own.failure().text()));
+        QCOMPARE(own.number(), QStringLiteral("9261234567"));
+
+        sim.setUssdReply("*206#", zelmodems::sim::Ussd::plain("Nomer 12"));
+        QVERIFY(!own.byUssd(QStringLiteral("*206#")));
+        QCOMPARE(own.failure().code(), Failure::Malformed);
+        QVERIFY(own.number().isEmpty());
+    }
+
+    void nationalNumbers_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("number");
+        QTest::newRow("eleven digits") << "Vash nomer 79261234567." << "9261234567";
+        QTest::newRow("ten digits") << "Nomer: 9261234567" << "9261234567";
+        QTest::newRow("at the start") << "79261234567 is yours" << "";
+        QTest::newRow("too short") << "Nomer 926123456" << "";
+    }
+
+    void nationalNumbers()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, number);
+        QCOMPARE(zelmodems::OwnNumber::nationalNumberIn(text), number);
     }
 };
 

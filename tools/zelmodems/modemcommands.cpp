@@ -6,15 +6,15 @@
 #include "modemcommand.h"
 #include "ussdrequest.h"
 #include "modemsession.h"
+#include "ownnumber.h"
+#include "signalquality.h"
+#include "cellrecord.h"
 #include "messagestore.h"
 #include "modemsettings.h"
 #include "operatordata.h"
 #include "storedmessage.h"
 
-#include <QElapsedTimer>
 #include <QRegularExpression>
-#include <QSet>
-#include <QThread>
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -73,73 +73,28 @@ QString printable(QString text)
     return text.replace(QChar(0), QLatin1Char('?'));
 }
 
-QString rating(int dbm)
+// The signal's fields and JSON (AT+CSQ as the modem states it); false,
+// with why in `failure`, when the modem gave no +CSQ at all.
+bool reportSignal(AtModem& modem, Report& report, zelmodems::Failure* failure = nullptr)
 {
-    if (dbm >= -70)
-        return QStringLiteral("excellent");
-    if (dbm >= -85)
-        return QStringLiteral("good");
-    if (dbm >= -100)
-        return QStringLiteral("fair");
-    return QStringLiteral("poor");
-}
-
-QString signalText(int dbm)
-{
-    // The rating in words for a person; JSON keeps the English keyword.
-    const QString word = rating(dbm);
-    const QString shown = word == QLatin1String("excellent") ? Tool::tr("excellent")
-                        : word == QLatin1String("good")      ? Tool::tr("good")
-                        : word == QLatin1String("fair")      ? Tool::tr("fair")
-                                                             : Tool::tr("poor");
-    return Tool::tr("%1 dBm (%2)").arg(dbm).arg(shown);
-}
-
-// The signal as the modem states it (AT+CSQ, 3GPP TS 27.007): the driver's
-// own call puts a made-up weak level where the modem has none, which is
-// right for the modems service's display but not for a person diagnosing.
-struct Signal
-{
-    bool answered = false;   // the modem gave a +CSQ line
-    int rssi = -1;           // 0..31, 99 not known
-    int ber = -1;
-    bool known() const { return rssi >= 0 && rssi <= 31; }
-    int dbm() const { return 2 * rssi - 113; }   // 0: -113 dBm or less, 31: -51 or more
-};
-
-Signal readSignal(AtModem& modem)
-{
-    Signal signal;
-    QByteArray answer;
-    if (!modem.sendCommand("+CSQ", answer, 1000))
-        return signal;
-    static const QRegularExpression csq(QStringLiteral("\\+CSQ:\\s*(\\d{1,3})\\s*,\\s*(\\d{1,3})"));
-    const QRegularExpressionMatch match = csq.match(QString::fromLatin1(answer));
-    if (!match.hasMatch())
-        return signal;
-    signal.answered = true;
-    signal.rssi = match.captured(1).toInt();
-    signal.ber = match.captured(2).toInt();
-    return signal;
-}
-
-// The signal's fields and JSON; false when the modem gave no +CSQ at all.
-bool reportSignal(AtModem& modem, Report& report)
-{
-    const Signal signal = readSignal(modem);
-    if (!signal.answered)
+    const zelmodems::SignalQuality signal = zelmodems::SignalQuality::read(&modem);
+    if (!signal.isAnswered()) {
+        if (failure)
+            *failure = signal.failure();
         return false;
+    }
     QJsonObject& json = report.json();
-    json.insert(QStringLiteral("rssi"), signal.rssi);
-    json.insert(QStringLiteral("ber"), signal.ber);
-    if (signal.known()) {
-        report.field(Tool::tr("Signal"), signalText(signal.dbm()));
+    json.insert(QStringLiteral("rssi"), signal.rssi());
+    json.insert(QStringLiteral("ber"), signal.ber());
+    json.insert(QStringLiteral("rating"), zelmodems::SignalQuality::ratingName(signal.rating()));
+    if (signal.isKnown()) {
+        report.field(Tool::tr("Signal"), Tool::tr("%1 dBm (%2)")
+                                             .arg(signal.dbm())
+                                             .arg(zelmodems::SignalQuality::ratingText(signal.rating())));
         json.insert(QStringLiteral("signal"), signal.dbm());
-        json.insert(QStringLiteral("rating"), rating(signal.dbm()));
     } else {
         report.field(Tool::tr("Signal"), Tool::tr("unknown (the modem reports no signal)"));
         json.insert(QStringLiteral("signal"), QJsonValue());
-        json.insert(QStringLiteral("rating"), QJsonValue());
     }
     return true;
 }
@@ -183,80 +138,45 @@ void insertCode(QJsonObject& json, const QString& name, qlonglong value)
 
 qlonglong number(const QString& text, int base)
 {
-    bool ok = false;
-    const qlonglong value = text.trimmed().toLongLong(&ok, base);
-    return ok && value >= 0 ? value : -1;
+    return zelmodems::CellRecord::parseNumber(text, base);
 }
 
-// One cell as the lists give it; -1 where a list leaves a field out (SIMCOM
-// names no MCC, MNC or level: 0 there means "not given", as no MCC is 0).
-struct Cell {
-    qlonglong mcc = -1;
-    qlonglong mnc = -1;
-    qlonglong cid = -1;
-    qlonglong lac = -1;
-    qlonglong rxlev = -1;
-    QList<qlonglong> dbm;
+QJsonObject cellJson(const zelmodems::CellRecord& cell)
+{
+    const auto orNull = [](qlonglong v) { return v < 0 ? QJsonValue() : QJsonValue(v); };
+    QJsonObject o;
+    o.insert(QStringLiteral("mcc"), orNull(cell.mcc()));
+    o.insert(QStringLiteral("mnc"), orNull(cell.mnc()));
+    insertCode(o, QStringLiteral("cid"), cell.cellId());
+    insertCode(o, QStringLiteral("lac"), cell.areaCode());
+    o.insert(QStringLiteral("rxlev"), orNull(cell.rxlev()));
+    QJsonArray levels;
+    for (const qlonglong level : cell.levels())
+        levels.append(level);
+    o.insert(QStringLiteral("dbm"), levels);
+    return o;
+}
 
-    // A record of a cell-list string: "MCC,MNC,cell,LAC,rxlev[,dBm...]", decimal.
-    static Cell fromRecord(const QString& record)
-    {
-        const QStringList f = record.split(QLatin1Char(','));
-        Cell cell;
-        cell.mcc = number(f.value(0), 10);
-        cell.mnc = cell.mcc > 0 ? number(f.value(1), 10) : -1;
-        if (cell.mcc == 0)
-            cell.mcc = -1;
-        cell.cid = number(f.value(2), 10);
-        cell.lac = number(f.value(3), 10);
-        cell.rxlev = number(f.value(4), 10);
-        for (int i = 5; i < f.size(); ++i) {
-            bool ok = false;
-            const qlonglong level = f.at(i).toLongLong(&ok);
-            if (ok)
-                cell.dbm << level;
-        }
-        return cell;
-    }
-
-    QJsonObject json() const
-    {
-        const auto orNull = [](qlonglong v) { return v < 0 ? QJsonValue() : QJsonValue(v); };
-        QJsonObject o;
-        o.insert(QStringLiteral("mcc"), orNull(mcc));
-        o.insert(QStringLiteral("mnc"), orNull(mnc));
-        insertCode(o, QStringLiteral("cid"), cid);
-        insertCode(o, QStringLiteral("lac"), lac);
-        o.insert(QStringLiteral("rxlev"), orNull(rxlev));
-        QJsonArray levels;
-        for (const qlonglong level : dbm)
-            levels.append(level);
-        o.insert(QStringLiteral("dbm"), levels);
-        return o;
-    }
-
-    QString row() const
-    {
-        const auto text = [](qlonglong v) { return v < 0 ? QStringLiteral("-") : QString::number(v); };
-        QStringList levels;
-        for (const qlonglong level : dbm)
-            levels << QString::number(level);
-        return QStringLiteral("  %1 %2 %3 %4 %5 %6")
-            .arg(text(mcc).leftJustified(4), text(mnc).leftJustified(4),
-                 (cid < 0 ? QStringLiteral("-") : codeText(cid)).leftJustified(16),
-                 (lac < 0 ? QStringLiteral("-") : codeText(lac)).leftJustified(14), text(rxlev).leftJustified(6),
-                 levels.join(QLatin1Char(' ')));
-    }
-};
+QString cellRow(const zelmodems::CellRecord& cell)
+{
+    const auto text = [](qlonglong v) { return v < 0 ? QStringLiteral("-") : QString::number(v); };
+    QStringList levels;
+    for (const qlonglong level : cell.levels())
+        levels << QString::number(level);
+    return QStringLiteral("  %1 %2 %3 %4 %5 %6")
+        .arg(text(cell.mcc()).leftJustified(4), text(cell.mnc()).leftJustified(4),
+             (cell.cellId() < 0 ? QStringLiteral("-") : codeText(cell.cellId())).leftJustified(16),
+             (cell.areaCode() < 0 ? QStringLiteral("-") : codeText(cell.areaCode())).leftJustified(14),
+             text(cell.rxlev()).leftJustified(6), levels.join(QLatin1Char(' ')));
+}
 
 // A cell-list string (records joined by ";") as JSON objects and table rows.
 QJsonArray cellList(const QString& list, QStringList* rows)
 {
     QJsonArray cells;
-    for (const QString& record : list.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const Cell cell = Cell::fromRecord(record);
-        cells.append(cell.json());
-        *rows << cell.row();
+    for (const zelmodems::CellRecord& cell : zelmodems::CellRecord::parseList(list)) {
+        cells.append(cellJson(cell));
+        *rows << cellRow(cell);
     }
     return cells;
 }
@@ -282,86 +202,6 @@ bool neighbourCells(AtModem& modem, QString& list)
         return modem.getSiemensCellList(list);
     if (modem.dialect() == AtModem::SIM_COM)
         return modem.getSimCOMCellList(list);
-    return false;
-}
-
-} // namespace
-
-namespace {
-
-// The national number (ten digits) in an operator's text: the ten digits
-// after the country or trunk digit of an eleven-digit run, else a run of ten.
-// A run at the very start does not count: such texts begin with words, and
-// leading digits are a code or a date.
-QString nationalNumberIn(const QString& text)
-{
-    static const QRegularExpression eleven(QStringLiteral("\\d{11}"));
-    static const QRegularExpression ten(QStringLiteral("\\d{10}"));
-    QRegularExpressionMatch match = eleven.match(text);
-    if (match.hasMatch() && match.capturedStart() > 0)
-        return match.captured().mid(1, 10);
-    match = ten.match(text);
-    if (match.hasMatch() && match.capturedStart() > 0)
-        return match.captured();
-    return QString();
-}
-
-// The own number by SMS, touching no other message: asks with the code,
-// waits for a new received message that holds a number, and deletes only
-// that message. False with the report failed.
-bool ownNumberBySms(AtModem& modem, const QString& code, QString& number, Report& report)
-{
-    const int WAIT_MS = 30000;
-    const int POLL_MS = 2000;
-    zelmodems::MessageStore store(&modem);
-    QList<zelmodems::StoredPdu> entries;
-    if (!store.list(entries)) {
-        report.fail(store.failure(), Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
-        return false;
-    }
-    // What was there before the request is never the answer.
-    QSet<QString> before;
-    for (const zelmodems::StoredPdu& entry : qAsConst(entries))
-        before.insert(QString::number(entry.index()) + QLatin1Char(' ') + entry.pdu());
-
-    QString ignored;
-    if (!modem.sendUSSD2(code, ignored)) {
-        const QString why = modem.lastError();
-        report.fail(Tool::tr("the request %1 did not go through: %2")
-                        .arg(code, why.isEmpty() ? Tool::tr("no answer from the modem") : why), zelmodems::Failure::NoAnswer);
-        return false;
-    }
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < WAIT_MS) {
-        if (!store.list(entries)) {
-            report.fail(store.failure(), Tool::tr("cannot list the stored messages: %1").arg(store.lastError()));
-            return false;
-        }
-        QList<zelmodems::StoredPdu> fresh;
-        for (const zelmodems::StoredPdu& entry : qAsConst(entries)) {
-            if (!before.contains(QString::number(entry.index()) + QLatin1Char(' ') + entry.pdu()))
-                fresh << entry;
-        }
-        for (const zelmodems::StoredMessage& message : zelmodems::StoredMessage::group(fresh)) {
-            if (message.isOutgoing() || !message.isComplete())
-                continue;
-            number = nationalNumberIn(message.text());
-            if (number.isEmpty())
-                continue;
-            for (const int index : message.indexes()) {
-                if (!store.remove(index))
-                    report.line(Tool::tr("(the operator's message %1 stays on the modem: %2)")
-                                    .arg(index)
-                                    .arg(store.lastError()));
-            }
-            return true;
-        }
-        QThread::msleep(POLL_MS);
-    }
-    report.fail(Tool::tr("no message with a telephone number came within %1 s of %2")
-                    .arg(WAIT_MS / 1000)
-                    .arg(code), zelmodems::Failure::NoAnswer);
     return false;
 }
 
@@ -463,11 +303,9 @@ Report signal(const QStringList& args)
                          Tool::tr("Prints the signal level in dBm (AT+CSQ), or \"unknown\" when the modem\n"
                                         "cannot measure it (index 99); JSON gives the raw rssi and ber too."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
-        if (!reportSignal(session.modem(), report)) {
-            const QString why = session.modem().lastError();
-            report.fail(Tool::tr("the modem did not report the signal level: %1")
-                            .arg(why.isEmpty() ? Tool::tr("no +CSQ in its answer") : why), zelmodems::Failure::NoAnswer);
-        }
+        zelmodems::Failure why;
+        if (!reportSignal(session.modem(), report, &why))
+            report.fail(why);
     });
 }
 
@@ -637,21 +475,15 @@ Report ownNumber(const QStringList& args)
                 fromSms = known && entry.selfNumberFromSms();
         }
 
-        QString number;
-        if (fromSms) {
-            if (!ownNumberBySms(session.modem(), code, number, report))
-                return;
-        } else if (!session.modem().requestSelfNumber(false, code, number)) {
-            const QString why = session.modem().lastError();
-            report.fail(Tool::tr("the request %1 did not go through: %2")
-                            .arg(code, why.isEmpty() ? Tool::tr("no reply from the network") : why), zelmodems::Failure::NoAnswer);
+        zelmodems::OwnNumber own(&session.modem());
+        const bool found = fromSms ? own.bySms(code) : own.byUssd(code);
+        for (const QString& note : own.notes())
+            report.line(QStringLiteral("(%1)").arg(note));
+        if (!found) {
+            report.fail(own.failure());
             return;
         }
-        if (number.isEmpty()) {
-            report.fail(Tool::tr("the operator's %1 held no telephone number")
-                            .arg(fromSms ? QStringLiteral("messages") : QStringLiteral("reply")), zelmodems::Failure::Malformed);
-            return;
-        }
+        const QString number = own.number();
         report.field(Tool::tr("Own number"), number);
         report.json().insert(QStringLiteral("code"), code);
         report.json().insert(QStringLiteral("fromSms"), fromSms);
