@@ -1,5 +1,6 @@
 // Reading the UUCP lock files of serial ports.
 #include "portlock.h"
+#include "lockfile_p.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,20 +41,12 @@ QString PortLock::holder() const
 
 qint64 PortLock::pidIn(const QByteArray& contents)
 {
-    // Text: the first line, blanks around it allowed ("%10d\n", or the
-    // first of QLockFile's lines).
-    const QByteArray first = contents.left(contents.indexOf('\n')).trimmed();
-    bool ok = false;
-    const qint64 pid = first.toLongLong(&ok);
-    if (ok)
-        return pid > 0 && pid <= 0x7FFFFFFF ? pid : 0;
-    // Binary: a native int and nothing else.
-    if (contents.size() == int(sizeof(qint32))) {
-        qint32 value = 0;
-        memcpy(&value, contents.constData(), sizeof value);
-        return value > 0 ? value : 0;
-    }
-    return 0;
+    return lockfile::pidIn(contents);
+}
+
+QString PortLock::writeDirectory()
+{
+    return lockfile::writeDirectory();
 }
 
 QStringList PortLock::directories()
@@ -85,9 +78,7 @@ QStringList PortLock::fileNames(const QString& device)
 
 bool PortLock::processRuns(qint64 pid)
 {
-    if (pid <= 0 || pid > 0x7FFFFFFF)
-        return false;
-    return ::kill(pid_t(pid), 0) == 0 || errno == EPERM;
+    return lockfile::processRuns(pid);
 }
 
 PortLock PortLock::of(const QString& device)

@@ -53,6 +53,9 @@ public:
     // then /run/lock, /var/lock, /var/spool/locks, /var/spool/uucp, /etc/locks
     // and the temporary folder (QSerialPort's last resort).
     static QStringList directories();
+    // The folder this system's programs write their locks to:
+    // $QT5EXT_LOCK_DIR when set, else /var/lock.
+    static QString writeDirectory();
     // The lock file names of `device` ("LCK..pts_3").
     static QStringList fileNames(const QString& device);
     // Whether process `pid` runs (a process of another user counts).

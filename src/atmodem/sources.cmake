@@ -16,6 +16,7 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/signalquality.cpp
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/lockfile_p.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.cpp
     ${CMAKE_CURRENT_LIST_DIR}/linechannel_p.h
     ${CMAKE_CURRENT_LIST_DIR}/linechannel.cpp)

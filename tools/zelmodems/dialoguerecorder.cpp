@@ -132,8 +132,9 @@ bool DialogueRecorder::start(const QString& port, const QString& device, const Q
         *error = Tool::tr("%1 is in use by another program (%2)").arg(port, held.holder());
         return false;
     }
-    d->lock = std::make_unique<QLockFile>(QStringLiteral("/var/lock/") + zelmodems::PortLock::fileNames(device).first());
-    if (QFileInfo(QStringLiteral("/var/lock")).isWritable() && !d->lock->tryLock(0)) {
+    const QString lockDir = zelmodems::PortLock::writeDirectory();
+    d->lock = std::make_unique<QLockFile>(lockDir + QLatin1Char('/') + zelmodems::PortLock::fileNames(device).first());
+    if (QFileInfo(lockDir).isWritable() && !d->lock->tryLock(0)) {
         *error = Tool::tr("%1 is in use by another program").arg(port);
         return false;
     }

@@ -1,5 +1,7 @@
 #include <qt5ext/sysutils.h>
 
+#include "lockfile_p.h"
+
 #include <QDir>
 #include <QFile>
 #include <QDateTime>
@@ -14,10 +16,7 @@ namespace qt5ext {
 
 QString SysUtils::lockDirectory()
 {
-    const QByteArray env = qgetenv("QT5EXT_LOCK_DIR");
-    if (!env.isEmpty())
-        return QString::fromLocal8Bit(env);
-    return QStringLiteral("/var/lock");
+    return zelmodems::lockfile::writeDirectory();
 }
 
 QString SysUtils::portLockFile(const QString& portName)
@@ -35,15 +34,6 @@ QString SysUtils::portLockFile(const QString& portName)
 // is still writing it.
 static const int YOUNG_LOCK_SECONDS = 5;
 
-static bool processAlive(qint64 pid)
-{
-    if (pid <= 0)
-        return false;
-    if (::kill(pid_t(pid), 0) == 0)
-        return true;
-    return errno == EPERM;
-}
-
 bool SysUtils::unlockPort(const QString& portName, bool force)
 {
     if (portName.isEmpty())
@@ -55,18 +45,13 @@ bool SysUtils::unlockPort(const QString& portName, bool force)
 
     qint64 owner = 0;
     if (lock.open(QIODevice::ReadOnly)) {
-        // UUCP locks hold the pid either as ASCII text or as a binary int.
-        const QByteArray data = lock.readAll();
+        owner = zelmodems::lockfile::pidIn(lock.read(256));
         lock.close();
-        bool ok = false;
-        owner = data.split('\n').value(0).trimmed().toLongLong(&ok);
-        if (!ok && data.size() == int(sizeof(int)))
-            owner = *reinterpret_cast<const int*>(data.constData());
     }
     // A lock whose owner still runs (this process included: another port
     // object may hold the device) is kept unless the caller forces it. So is
     // a young lock without a readable pid: its owner may be writing it now.
-    if (!force && processAlive(owner))
+    if (!force && zelmodems::lockfile::processRuns(owner))
         return false;
     if (!force && owner <= 0) {
         const QDateTime written = QFileInfo(lockPath).lastModified();
