@@ -127,12 +127,6 @@ const uchar UDHI = 0x40;
 const uchar DCS_GSM7 = 0x00;
 const uchar DCS_UCS2 = 0x08;
 
-
-struct ExtensionEntry {
-    uchar septet;
-    ushort character;
-};
-
 // Bounds-checked reading of a TPDU; the first failure is remembered with the
 // name of the field that ran short.
 class OctetReader
@@ -195,11 +189,11 @@ struct HeaderInfo {
     int partCount = 1;
 };
 
-const QHash<ushort, ushort>& gsm7Reverse();
 int nextConcatReference();
 bool parseHex(const QString& text, QByteArray* octets, QString* error);
 QString hexOctets(const QByteArray& octets);
 QString octetList(const QByteArray& octets);
+// Semi-octets (low nibble first) to digits; 0xF ends the number.
 QString decodeSemiOctets(const QByteArray& octets, int digits);
 bool readAddress(OctetReader& reader, const QString& field, QString* number, int* type);
 QString describeNumberType(int toa);

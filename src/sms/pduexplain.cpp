@@ -5,6 +5,179 @@
 
 namespace zelmodems {
 
+namespace pduinternal {
+
+// ---------------------------------------------------------------------------
+// User-data headers (TS 23.040 9.2.3.24).
+
+QString elementName(uchar iei)
+{
+    switch (iei) {
+    case 0x00: return PDU::tr("Concatenated short messages, 8-bit reference");
+    case 0x01: return PDU::tr("Special SMS message indication");
+    case 0x04: return PDU::tr("Application port addressing, 8-bit address");
+    case 0x05: return PDU::tr("Application port addressing, 16-bit address");
+    case 0x06: return PDU::tr("SMSC control parameters");
+    case 0x07: return PDU::tr("UDH source indicator");
+    case 0x08: return PDU::tr("Concatenated short messages, 16-bit reference");
+    case 0x09: return PDU::tr("Wireless control message protocol");
+    case 0x0A: return PDU::tr("Text formatting");
+    case 0x0B: return PDU::tr("Predefined sound");
+    case 0x0C: return PDU::tr("User defined sound");
+    case 0x0D: return PDU::tr("Predefined animation");
+    case 0x0E: return PDU::tr("Large animation");
+    case 0x0F: return PDU::tr("Small animation");
+    case 0x10: return PDU::tr("Large picture");
+    case 0x11: return PDU::tr("Small picture");
+    case 0x12: return PDU::tr("Variable picture");
+    case 0x13: return PDU::tr("User prompt indicator");
+    case 0x14: return PDU::tr("Extended object");
+    case 0x15: return PDU::tr("Reused extended object");
+    case 0x16: return PDU::tr("Compression control");
+    case 0x17: return PDU::tr("Object distribution indicator");
+    case 0x18: return PDU::tr("Standard WVG object");
+    case 0x19: return PDU::tr("Character size WVG object");
+    case 0x1A: return PDU::tr("Extended object data request command");
+    case 0x20: return PDU::tr("RFC 822 e-mail header");
+    case 0x21: return PDU::tr("Hyperlink format element");
+    case 0x22: return PDU::tr("Reply address element");
+    case 0x23: return PDU::tr("Enhanced voice mail information");
+    case 0x24: return PDU::tr("National language single shift");
+    case 0x25: return PDU::tr("National language locking shift");
+    default: break;
+    }
+    return QString();
+}
+
+QString unknownElementKind(uchar iei)
+{
+    if (iei >= 0x70 && iei <= 0x7F)
+        return PDU::tr("SIM toolkit security header");
+    if (iei >= 0x80 && iei <= 0x9F)
+        return PDU::tr("SME to SME specific use");
+    if (iei >= 0xC0 && iei <= 0xDF)
+        return PDU::tr("SC specific use");
+    return PDU::tr("reserved");
+}
+
+QString languageName(uchar id)
+{
+    // TS 23.038 6.2.1.2.4.
+    static const char* const names[] = { nullptr,   "Turkish", "Spanish",  "Portuguese", "Bengali",
+                                         "Gujarati", "Hindi",   "Kannada",  "Malayalam",  "Oriya",
+                                         "Punjabi",  "Tamil",   "Telugu",   "Urdu" };
+    if (id > 0 && id < sizeof(names) / sizeof(names[0]))
+        return QString::fromLatin1(names[id]);
+    return PDU::tr("reserved language");
+}
+
+QString describeSpecialIndication(const QByteArray& v)
+{
+    const uchar type = static_cast<uchar>(v.at(0));
+    QString kind;
+    switch (type & 0x03) {
+    case 0: kind = PDU::tr("voice message waiting"); break;
+    case 1: kind = PDU::tr("fax message waiting"); break;
+    case 2: kind = PDU::tr("electronic mail message waiting"); break;
+    default: kind = PDU::tr("other message waiting"); break;
+    }
+    return PDU::tr("%1, %2 waiting, %3")
+        .arg(kind)
+        .arg(static_cast<uchar>(v.at(1)))
+        .arg((type & 0x80) ? PDU::tr("store the message") : PDU::tr("discard the message"));
+}
+
+QString describeConcatenation(int reference, int total, int sequence)
+{
+    QString text = PDU::tr("reference %1, part %2 of %3").arg(reference).arg(sequence).arg(total);
+    if (total == 0 || sequence == 0 || sequence > total)
+        text += PDU::tr(" (inconsistent: the part is to be ignored)");
+    return text;
+}
+
+// Interprets one element whose length is right; an empty result means the
+// element is only named.
+QString describeElement(uchar iei, const QByteArray& v, bool* lengthOk)
+{
+    const auto at = [&v](int i) { return static_cast<uchar>(v.at(i)); };
+    *lengthOk = true;
+    switch (iei) {
+    case 0x00:
+        if (v.size() != 3)
+            break;
+        return describeConcatenation(at(0), at(1), at(2));
+    case 0x08:
+        if (v.size() != 4)
+            break;
+        return describeConcatenation((at(0) << 8) | at(1), at(2), at(3));
+    case 0x04:
+        if (v.size() != 2)
+            break;
+        return PDU::tr("destination port %1, originator port %2").arg(at(0)).arg(at(1));
+    case 0x05:
+        if (v.size() != 4)
+            break;
+        return PDU::tr("destination port %1, originator port %2")
+            .arg((at(0) << 8) | at(1))
+            .arg((at(2) << 8) | at(3));
+    case 0x24:
+    case 0x25:
+        if (v.size() != 1)
+            break;
+        return PDU::tr("%1 (%2)").arg(languageName(at(0))).arg(at(0));
+    case 0x01:
+        if (v.size() != 2)
+            break;
+        return describeSpecialIndication(v);
+    default:
+        return QString();
+    }
+    *lengthOk = false;
+    return QString();
+}
+
+int expectedElementLength(uchar iei)
+{
+    switch (iei) {
+    case 0x00: return 3;
+    case 0x08: return 4;
+    case 0x04: return 2;
+    case 0x05: return 4;
+    case 0x24:
+    case 0x25: return 1;
+    case 0x01: return 2;
+    default: return -1;
+    }
+}
+
+// Concatenation fields of a well-formed header (length octet first).
+HeaderInfo concatenationOf(const QByteArray& header)
+{
+    HeaderInfo info;
+    int pos = 1;
+    while (pos + 2 <= header.size()) {
+        const uchar iei = static_cast<uchar>(header.at(pos));
+        const int len = static_cast<uchar>(header.at(pos + 1));
+        if (pos + 2 + len > header.size())
+            break;
+        const QByteArray v = header.mid(pos + 2, len);
+        const auto at = [&v](int i) { return static_cast<uchar>(v.at(i)); };
+        if (iei == 0x00 && len == 3) {
+            info.reference = at(0);
+            info.partCount = at(1);
+            info.partNumber = at(2);
+        } else if (iei == 0x08 && len == 4) {
+            info.reference = (at(0) << 8) | at(1);
+            info.partCount = at(2);
+            info.partNumber = at(3);
+        }
+        pos += 2 + len;
+    }
+    return info;
+}
+
+} // namespace pduinternal
+
 using namespace pduinternal;
 
 

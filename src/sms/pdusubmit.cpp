@@ -1,9 +1,54 @@
 // SMS-SUBMIT: building the PDUs of a message and reading one back.
+#include "gsm7_p.h"
 #include "pdu_p.h"
 
 #include <QStringList>
 
 namespace zelmodems {
+
+namespace pduinternal {
+
+// ---------------------------------------------------------------------------
+// Splitting text into parts.
+
+// GSM: the septets of each part; escape pairs stay together.
+QList<QByteArray> splitGsm7(const QByteArray& septets, int capacity)
+{
+    QList<QByteArray> parts;
+    int pos = 0;
+    while (pos < septets.size()) {
+        int end = qMin(pos + capacity, septets.size());
+        // Never end a part between an escape and its character.
+        if (end < septets.size() && end > pos && septets.at(end - 1) == gsm7::Escape) {
+            int escapes = 0;
+            for (int i = end - 1; i >= pos && septets.at(i) == gsm7::Escape; --i)
+                ++escapes;
+            // An odd run of escapes ending here means the last one starts a pair.
+            if (escapes % 2 == 1)
+                --end;
+        }
+        parts.append(septets.mid(pos, end - pos));
+        pos = end;
+    }
+    return parts;
+}
+
+// UCS2: UTF-16 code units of each part; surrogate pairs stay together.
+QList<QString> splitUcs2(const QString& text, int capacity)
+{
+    QList<QString> parts;
+    int pos = 0;
+    while (pos < text.size()) {
+        int end = qMin(pos + capacity, text.size());
+        if (end < text.size() && end - pos > 1 && text.at(end - 1).isHighSurrogate())
+            --end;
+        parts.append(text.mid(pos, end - pos));
+        pos = end;
+    }
+    return parts;
+}
+
+} // namespace pduinternal
 
 using namespace pduinternal;
 

@@ -3,6 +3,7 @@
 // headers and the alphabets of TS 23.038.
 #include "shortmessage.h"
 
+#include "gsm7_p.h"
 #include "gsm7tables_p.h"
 #include "pdu_p.h"
 
@@ -57,7 +58,6 @@ using namespace pduinternal;
 const uchar MTI_MASK = 0x03;
 const uchar MTI_DELIVER = 0x00;
 const uchar MTI_STATUS_REPORT = 0x02;
-const uchar GSM7_ESCAPE = 0x1B;
 
 // Coding groups of the data coding scheme (TS 23.038 4): alphabet, class
 // and whether the text is compressed.
@@ -367,28 +367,7 @@ ShortMessage ShortMessage::decode(const QByteArray& pdu, bool withServiceCentre)
 
 QString ShortMessage::fromGsm7(const QByteArray& septets, int lockingShift, int singleShift)
 {
-    using namespace gsm7tables;
-    if (lockingShift < 0 || lockingShift >= LanguageCount)
-        lockingShift = 0;
-    if (singleShift < 0 || singleShift >= LanguageCount)
-        singleShift = 0;
-    const ushort* const main = LockingShift[lockingShift];
-    const ushort* const shift = SingleShift[singleShift];
-    QString text;
-    text.reserve(septets.size());
-    for (int i = 0; i < septets.size(); ++i) {
-        const uchar septet = static_cast<uchar>(septets.at(i)) & 0x7F;
-        ushort c = main[septet];
-        if (septet == GSM7_ESCAPE) {
-            if (++i >= septets.size())
-                break;
-            const uchar next = static_cast<uchar>(septets.at(i)) & 0x7F;
-            // A septet the shift table leaves empty shows as the main table's.
-            c = shift[next] != Unassigned ? shift[next] : main[next];
-        }
-        text.append(QChar(c == Unassigned ? ushort(0xFFFD) : c));
-    }
-    return text;
+    return gsm7::decode(septets, lockingShift, singleShift);
 }
 
 bool ShortMessage::isValid() const { return d->type != InvalidType; }

@@ -1,5 +1,6 @@
 #include "smspdudecoder.h"
 #include "smspdudecoder_p.h"
+#include "gsm7_p.h"
 
 #include <QDateTime>
 #include <QTextCodec>
@@ -130,31 +131,8 @@ SmsPart SmsPduDecoder::decodeMessage(const QByteArray& pdu)
 
 QByteArray SmsPduDecoder::septetsToOctets(const QByteArray& packed, int count)
 {
-    QByteArray septets;
-    septets.reserve(packed.size() + packed.size() / 7 + 1);
-    int shift = 1;
-    uchar carry = 0;
-    for (const char c : packed) {
-        const uchar octet = static_cast<uchar>(c);
-        const uchar low = octet & (0xFF >> shift);
-        const uchar high = octet >> (8 - shift);
-        if (shift == 1) {
-            septets.append(static_cast<char>(low));
-            shift = 2;
-        } else {
-            septets.append(static_cast<char>(static_cast<uchar>((low << (shift - 1)) | carry)));
-            if (shift == 7) {
-                septets.append(static_cast<char>(high));
-                shift = 1;
-            } else {
-                ++shift;
-            }
-        }
-        carry = high;
-    }
-    if (septets.size() > count)
-        septets.truncate(qMax(count, 0));
-    return septets;
+    // Every septet the octets hold, at most `count`: the standard unpacking.
+    return zelmodems::gsm7::unpack(packed, count, 0);
 }
 
 // ---------------------------------------------------------------------------

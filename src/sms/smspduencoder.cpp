@@ -1,9 +1,26 @@
 #include "smspduencoder.h"
 
+#include "gsm7_p.h"
+
 const uchar SmsPduEncoder::mEncodeMask[7] = { 0x01, 0x03, 0x07, 0x0F, 0x1F, 0x3F, 0x7F };
 
 QByteArray SmsPduEncoder::encode(const QByteArray& text, uchar fill)
 {
+    // Septets only: the packing is the standard one, done where every
+    // other packer of the library does it.
+    bool septetsOnly = true;
+    for (const char c : text) {
+        if (static_cast<uchar>(c) & 0x80) {
+            septetsOnly = false;
+            break;
+        }
+    }
+    if (septetsOnly)
+        return zelmodems::gsm7::pack(text, 0);
+
+    // A byte with the high bit set stands as `fill` in its own septet, while
+    // its low bits still complete the octet before it: the two passes below
+    // keep exactly that.
     const int n = text.size();
     const auto ch = [&text](int i) { return static_cast<uchar>(text.at(i)); };
 

@@ -7,6 +7,9 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/smspdudecoder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/smspduencoder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/pdu_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/gsm7_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/gsm7.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/tpdufields.cpp
     ${CMAKE_CURRENT_LIST_DIR}/pdu.cpp
     ${CMAKE_CURRENT_LIST_DIR}/pdusubmit.cpp
     ${CMAKE_CURRENT_LIST_DIR}/pduexplain.cpp

@@ -160,6 +160,12 @@ void TestShortMessage::nationalLanguages_data()
         << QByteArray::fromHex("03250104") << QByteArray::fromHex("1120") << QStringLiteral("\uFFFD ");
     QTest::newRow("escape to an empty extension septet reads the main table")
         << QByteArray() << QByteArray::fromHex("1B41") << QStringLiteral("A");
+    // 0x1B 0x1B is reserved for a further extension table: a space until
+    // one is defined. An escape at the end has nothing to shift.
+    QTest::newRow("two escapes read as a space")
+        << QByteArray() << QByteArray::fromHex("1B1B41") << QStringLiteral(" A");
+    QTest::newRow("a trailing escape is dropped")
+        << QByteArray() << QByteArray::fromHex("411B") << QStringLiteral("A");
     QTest::newRow("shift element of the wrong length is ignored")
         << QByteArray::fromHex("0424020100") << QByteArray::fromHex("1B47") << QStringLiteral("G");
     QTest::newRow("unknown language identifier falls back to the default")
@@ -174,6 +180,9 @@ void TestShortMessage::nationalLanguages()
     const ShortMessage m = ShortMessage::decode(septetsPdu(header, septets));
     QVERIFY2(m.isValid(), qPrintable(m.error()));
     QCOMPARE(m.text(), text);
+    // Addresses and the toolkit read the default alphabet from the same table.
+    if (header.isEmpty())
+        QCOMPARE(zelmodems::PDU::fromGsm7(septets), text);
 }
 
 void TestShortMessage::malformed_data()
