@@ -8,6 +8,7 @@
 #include <QList>
 #include <QMap>
 #include <QPair>
+#include <QScopedPointer>
 #include <QString>
 
 #include <functional>
@@ -227,7 +228,7 @@ public:
 
 private:
     struct Private;
-    std::unique_ptr<Private> d;
+    QScopedPointer<Private> d;
 };
 
 } // namespace zelmodems::sim

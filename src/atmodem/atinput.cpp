@@ -7,11 +7,6 @@ namespace zelmodems {
 
 namespace {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("zelmodems::AtInput", text);
-}
-
 // "U+001A" for a character, as a person can read it in an error message.
 QString codeOf(QChar c)
 {

@@ -1,6 +1,7 @@
 #pragma once
 #include "zelmodemslib_export.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace zelmodems {
@@ -17,6 +18,8 @@ namespace zelmodems {
 // it can.
 class ZELMODEMSLIB_EXPORT AtInput
 {
+    Q_DECLARE_TR_FUNCTIONS(zelmodems::AtInput)
+
 public:
     // Any value inside a command line: no control characters (CR, LF,
     // Ctrl-Z, ESC and the rest) and no double quote.

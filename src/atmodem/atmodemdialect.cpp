@@ -1,6 +1,67 @@
-// The modem driver: recognising the modem's make (its dialect) and resetting it.
+// The modem driver above its channel: opening a port and identifying the
+// modem on it, recognising the modem's make (its dialect), and resetting it.
+// The channel (atmodem.cpp) knows nothing of makes.
 #include "atmodem_p.h"
 #include "portlock.h"
+
+// ---------------------------------------------------------------- opening
+
+bool AtModem::open(const QString& portName, qint32 baudRate, qint32 attempts)
+{
+    for (qint32 attempt = 0; attempt < attempts; ++attempt) {
+        m_lastError.clear();
+        close();
+        unlockPort(portName);
+
+        // A port that a running program holds (pppd on the data port, a
+        // terminal program) is not ours: opening it would take its lock.
+        if (refuseHeldPort(portName))
+            return false;
+
+        if (!m_port)
+            m_port = new QSerialPort(this);
+        m_port->setPortName(portName);
+        m_port->clearError();
+
+        qCDebug(AT_MODEM()).noquote()
+            << QStringLiteral("Open port %1 on %2. attempt %3").arg(portName).arg(baudRate).arg(attempt);
+
+        if (!m_port->isOpen() && !m_port->open(QIODevice::ReadWrite)) {
+            m_lastError = tr("Port opening error: %1").arg(m_port->errorString());
+            qCCritical(AT_MODEM()).noquote()
+                << serialErrorName(m_port->error()) << logtab << m_port->errorString();
+            continue;
+        }
+        setLine(baudRate);
+        if (isConnected())
+            return true;
+    }
+    return false;
+}
+
+bool AtModem::isConnected()
+{
+    if (!portOpen())
+        return false;
+    if (!pollAt(m_pollTimeout)) {
+        close();
+        return false;
+    }
+    enableLocalEcho(false);
+
+    QByteArray answer;
+    if (!sendCommand(AT::Commands::ATI, answer, IDENTIFY_TIMEOUT_MS)) {
+        close();
+        return false;
+    }
+    setModemName(answer);
+
+    // The configuration is for the log only: many modems reject "&V".
+    if (sendCommand(AT::Commands::AT_AND_V, answer, m_configTimeout))
+        qCDebug(AT_MODEM()).noquote() << QStringLiteral("Modem configuration: %1").arg(QString::fromLatin1(answer));
+    return true;
+}
+
 
 // ---------------------------------------------------------------- dialects
 

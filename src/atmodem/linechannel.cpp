@@ -28,11 +28,6 @@ bool hasPduLine(const QByteArray& line)
     return line.startsWith("+CMT:") || line.startsWith("+CDS:") || line.startsWith("+CBM:");
 }
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("zelmodems::LineChannel", text);
-}
-
 } // namespace
 
 QByteArray LineChannel::Answer::text() const

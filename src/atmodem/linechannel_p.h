@@ -10,6 +10,7 @@
 #include "failure.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QList>
 
 class AtModem;
@@ -18,6 +19,8 @@ namespace zelmodems {
 
 class LineChannel
 {
+    Q_DECLARE_TR_FUNCTIONS(zelmodems::LineChannel)
+
 public:
     enum class End {
         Final,      // a final result code ended the answer

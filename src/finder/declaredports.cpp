@@ -1,5 +1,6 @@
 // A port catalogue of the system's ports plus declared ones and device paths.
 #include "declaredports.h"
+#include "finderlog_p.h"
 #include "portlock.h"
 
 #include <QFile>
@@ -76,6 +77,7 @@ void DeclaredPorts::declare(const QString& name, const QString& device, const Po
     Port declared = port;
     declared.exists = true;
     d->ports.insert(name, declared);
+    qCDebug(MODEMS_FINDER).noquote() << "declared" << name << "as" << device;
 }
 
 void DeclaredPorts::undeclare(const QString& name)

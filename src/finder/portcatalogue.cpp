@@ -1,5 +1,6 @@
 // The serial ports the modem search sees: the system's, or an installed catalogue.
 #include "portcatalogue.h"
+#include "finderlog_p.h"
 #include "portlock.h"
 
 #include <QFileInfo>
@@ -33,12 +34,15 @@ Failure PortCatalogue::availability(const QString& portName) const
     const QString device = devicePath(portName);
     // The system's serial layer opens a bare name under /dev.
     const QString path = device.contains(QLatin1Char('/')) ? device : QStringLiteral("/dev/") + device;
-    if (!port(portName).exists && !QFileInfo::exists(path))
-        return Failure(Failure::NotFound, tr("no such port: %1").arg(portName));
+    Failure why;
     const PortLock lock = PortLock::of(device);
-    if (lock.isHeld() && lock.pid() != QCoreApplication::applicationPid())
-        return Failure(Failure::Busy, tr("%1 is in use by another program (%2)").arg(portName, lock.holder()));
-    return Failure();
+    if (!port(portName).exists && !QFileInfo::exists(path))
+        why = Failure(Failure::NotFound, tr("no such port: %1").arg(portName));
+    else if (lock.isHeld() && lock.pid() != QCoreApplication::applicationPid())
+        why = Failure(Failure::Busy, tr("%1 is in use by another program (%2)").arg(portName, lock.holder()));
+    if (why.isFailure())
+        qCDebug(MODEMS_FINDER).noquote() << why.text();
+    return why;
 }
 
 PortCatalogue::Port PortCatalogue::port(const QString& portName) const
@@ -83,6 +87,7 @@ const PortCatalogue& PortCatalogue::instance()
 
 const PortCatalogue* PortCatalogue::install(const PortCatalogue* catalogue)
 {
+    qCDebug(MODEMS_FINDER) << (catalogue ? "a catalogue of the caller's is installed" : "the system's catalogue is in use");
     return installedCatalogue.exchange(catalogue);
 }
 

@@ -4,6 +4,8 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/unix_modemsfinder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/portprobe_p.h
     ${CMAKE_CURRENT_LIST_DIR}/portprobe.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/finderlog_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/finderlog.cpp
     ${CMAKE_CURRENT_LIST_DIR}/portcatalogue.cpp
     ${CMAKE_CURRENT_LIST_DIR}/declaredports.cpp
     ${CMAKE_CURRENT_LIST_DIR}/crc_p.h
