@@ -17,28 +17,28 @@
 
 namespace zelmodems::sim {
 
-// Faults a simulated modem can be told to show for a command.
+/// Faults a simulated modem can be told to show for a command.
 enum class Fault {
     None,
-    Silence,     // no answer at all
-    Error,       // "ERROR" as the result code
-    NoCarrier,   // "NO CARRIER" as the result code
-    SplitBytes,  // the normal answer, one byte at a time, `param` ms apart
-    Garbage,     // a few bytes of line noise and nothing else
-    Vanish,      // the device disappears while the command waits
+    Silence,     ///< no answer at all
+    Error,       ///< "ERROR" as the result code
+    NoCarrier,   ///< "NO CARRIER" as the result code
+    SplitBytes,  ///< the normal answer, one byte at a time, `param` ms apart
+    Garbage,     ///< a few bytes of line noise and nothing else
+    Vanish,      ///< the device disappears while the command waits
 };
 
-// What the modem writes back for one command.
+/// What the modem writes back for one command.
 struct ZELMODEMSSIM_EXPORT Reply
 {
-    QByteArray bytes;      // written exactly as given
-    int delayMs = 0;       // extra wait before the first byte
-    // Written later on the modem's own, `followUpDelayMs` after the reply:
-    // an unsolicited result such as the network's USSD reply.
+    QByteArray bytes;      ///< written exactly as given
+    int delayMs = 0;       ///< extra wait before the first byte
+    /// Written later on the modem's own, `followUpDelayMs` after the reply:
+    /// an unsolicited result such as the network's USSD reply.
     QByteArray followUp;
     int followUpDelayMs = 0;
 
-    // "\r\n<body>\r\n\r\nOK\r\n" (or "\r\nOK\r\n" without a body).
+    /// "\r\n<body>\r\n\r\nOK\r\n" (or "\r\nOK\r\n" without a body).
     static Reply ok(const QByteArray& body = QByteArray());
     static Reply error();
     static Reply noCarrier();
@@ -46,59 +46,59 @@ struct ZELMODEMSSIM_EXPORT Reply
     static Reply none() { return Reply(); }
 };
 
-// The "+CUSD: ..." lines in which a modem presents the network's USSD reply,
-// and the GSM 7-bit packing that USSD strings travel in.
+/// The "+CUSD: ..." lines in which a modem presents the network's USSD reply,
+/// and the GSM 7-bit packing that USSD strings travel in.
 struct ZELMODEMSSIM_EXPORT Ussd
 {
-    // +CUSD: <status>,"<text>",<dcs> with the text as it is.
+    /// +CUSD: `<status>`,"`<text>`",`<dcs>` with the text as it is.
     static QByteArray plain(const QByteArray& text, int dcs = 15, int status = 0);
-    // UCS2 (DCS 72): the text in UTF-16BE, written in upper-case hexadecimal.
+    /// UCS2 (DCS 72): the text in UTF-16BE, written in upper-case hexadecimal.
     static QByteArray ucs2(const QString& text, int status = 0);
-    // The text packed in GSM 7-bit septets and written in hexadecimal (DCS 15).
+    /// The text packed in GSM 7-bit septets and written in hexadecimal (DCS 15).
     static QByteArray packed(const QByteArray& text, int status = 0);
-    // +CUSD: <status> without text (2: ended by the network, 4: not supported).
+    /// +CUSD: `<status>` without text (2: ended by the network, 4: not supported).
     static QByteArray statusOnly(int status);
 
-    // 3GPP TS 23.038 packing, least significant bit first; no padding.
+    /// 3GPP TS 23.038 packing, least significant bit first; no padding.
     static QByteArray pack(const QByteArray& septets);
-    // The inverse; a trailing zero septet (the unused bits of the last
-    // octet) is dropped.
+    /// The inverse; a trailing zero septet (the unused bits of the last
+    /// octet) is dropped.
     static QByteArray unpack(const QByteArray& octets);
 };
 
-// SMS-DELIVER PDUs in hexadecimal, service-centre address included, as a
-// modem lists them in PDU mode; for filling the SMS store. The sender is
-// international when it begins with "+", alphanumeric when it holds a
-// letter, else of unknown type. The time stamp is written as it is, with a
-// zero time zone.
+/// SMS-DELIVER PDUs in hexadecimal, service-centre address included, as a
+/// modem lists them in PDU mode; for filling the SMS store. The sender is
+/// international when it begins with "+", alphanumeric when it holds a
+/// letter, else of unknown type. The time stamp is written as it is, with a
+/// zero time zone.
 struct ZELMODEMSSIM_EXPORT DeliverPdu
 {
-    // GSM 7-bit text (ASCII characters taken as septets).
+    /// GSM 7-bit text (ASCII characters taken as septets).
     static QByteArray gsm7(const QByteArray& sender, const QDateTime& time, const QByteArray& text);
-    // UCS2 text; with `total` > 1 a concatenation header (8-bit reference
-    // `reference`, part `part` of `total`, counted from 1) goes in front.
+    /// UCS2 text; with `total` > 1 a concatenation header (8-bit reference
+    /// `reference`, part `part` of `total`, counted from 1) goes in front.
     static QByteArray ucs2(const QByteArray& sender, const QDateTime& time, const QString& text,
                            int reference = 0, int part = 1, int total = 1);
 };
 
-// One command as the modem received it.
+/// One command as the modem received it.
 struct CommandRecord
 {
-    QByteArray command;     // the text after "AT" ("+CSQ", "I", "" for a bare AT),
-                            // or the raw bytes for "+++" and SMS text ("\x1a" ends it)
-    qint64 elapsedMs = 0;   // since the modem started
-    qint64 epochMs = 0;     // wall clock
-    qint32 lineSpeed = 0;   // the line speed the client had set
+    QByteArray command;     ///< the text after "AT" ("+CSQ", "I", "" for a bare AT),
+                            ///< or the raw bytes for "+++" and SMS text ("\x1a" ends it)
+    qint64 elapsedMs = 0;   ///< since the modem started
+    qint64 epochMs = 0;     ///< wall clock
+    qint32 lineSpeed = 0;   ///< the line speed the client had set
 };
 
-// Answers a command (the text after "AT", as received) or declines with
-// std::nullopt. Runs on the modem's own thread.
+/// Answers a command (the text after "AT", as received) or declines with
+/// std::nullopt. Runs on the modem's own thread.
 using Handler = std::function<std::optional<Reply>(const QByteArray& command)>;
 
-// A simulated modem on a pseudo-terminal. The client side is a real serial
-// device node (/dev/pts/N, or a symbolic link to it) that QSerialPort opens
-// like any serial port. The modem runs on a thread of its own, so a client
-// that blocks its own thread still gets answers. Every member is thread-safe.
+/// A simulated modem on a pseudo-terminal. The client side is a real serial
+/// device node (/dev/pts/N, or a symbolic link to it) that QSerialPort opens
+/// like any serial port. The modem runs on a thread of its own, so a client
+/// that blocks its own thread still gets answers. Every member is thread-safe.
 class ZELMODEMSSIM_EXPORT SimModem
 {
 public:
@@ -109,24 +109,24 @@ public:
     SimModem(const SimModem&) = delete;
     SimModem& operator=(const SimModem&) = delete;
 
-    // Creates the pseudo-terminal and starts answering.
+    /// Creates the pseudo-terminal and starts answering.
     bool start(QString* error = nullptr);
-    // Stops answering and removes the device (as vanish()).
+    /// Stops answering and removes the device (as vanish()).
     void stop();
 
-    // The path a client opens: the link when one was made, else the pty.
+    /// The path a client opens: the link when one was made, else the pty.
     QString devicePath() const;
     QString ptyPath() const;
-    // Makes `linkPath` a symbolic link to the pty (replacing what is there),
-    // like udev's /dev/gsmmodem or /dev/ttyUSB names.
+    /// Makes `linkPath` a symbolic link to the pty (replacing what is there),
+    /// like udev's /dev/gsmmodem or /dev/ttyUSB names.
     bool createLink(const QString& linkPath);
-    // Why start() or createLink() failed (system-error with the system's
-    // reason, not-open for a link to a modem not started); no failure
-    // after a call that worked.
+    /// Why start() or createLink() failed (system-error with the system's
+    /// reason, not-open for a link to a modem not started); no failure
+    /// after a call that worked.
     zelmodems::Failure failure() const;
 
-    // The device disappears: the pty is closed under the client and its
-    // link removed, as when a USB modem is pulled out.
+    /// The device disappears: the pty is closed under the client and its
+    /// link removed, as when a USB modem is pulled out.
     void vanish();
     bool hasVanished() const;
 
@@ -136,94 +136,94 @@ public:
     void setEcho(bool on);
     bool echo() const;
 
-    // Fixed answers, keyed by the command without "AT" (matched without
-    // regard to case): setAnswer gives body + OK, setReply anything.
+    /// Fixed answers, keyed by the command without "AT" (matched without
+    /// regard to case): setAnswer gives body + OK, setReply anything.
     void setAnswer(const QByteArray& command, const QByteArray& body);
     void setReply(const QByteArray& command, const Reply& reply);
     void removeAnswer(const QByteArray& command);
-    // Handlers are asked before the fixed answers, the latest added first.
+    /// Handlers are asked before the fixed answers, the latest added first.
     void addHandler(const Handler& handler);
 
-    // A fault for one command (matched without regard to case); an empty
-    // command means every command. `param` is the byte pause of SplitBytes.
+    /// A fault for one command (matched without regard to case); an empty
+    /// command means every command. `param` is the byte pause of SplitBytes.
     void setFault(const QByteArray& command, Fault fault, int param = 1);
     void clearFaults();
 
-    // A pause before every answer.
+    /// A pause before every answer.
     void setLatency(int ms);
-    // Every answer written one byte at a time with this pause (0: at once).
+    /// Every answer written one byte at a time with this pause (0: at once).
     void setByteDelay(int ms);
-    // Answers only while the client's line speed is one of these (empty: any),
-    // as a real modem hears only noise at a rate it cannot follow.
+    /// Answers only while the client's line speed is one of these (empty: any),
+    /// as a real modem hears only noise at a rate it cannot follow.
     void setAcceptedLineSpeeds(const QList<qint32>& speeds);
-    // A silent modem hears nothing and answers nothing.
+    /// A silent modem hears nothing and answers nothing.
     void setSilent(bool silent);
-    // After "+CFUN=1,1" the modem restarts and is deaf for this long.
+    /// After "+CFUN=1,1" the modem restarts and is deaf for this long.
     void setRestartTime(int ms);
 
-    // Writes bytes the modem sends on its own (RING, +CMTI: ...), after
-    // `delayMs`.
+    /// Writes bytes the modem sends on its own (RING, +CMTI: ...), after
+    /// `delayMs`.
     void sendUnsolicited(const QByteArray& bytes, int delayMs = 0);
-    // Returns once the modem has written all it has begun or scheduled: the
-    // rest of a slow answer, unsolicited results and follow-ups however
-    // late (a scheduled disappearance included). A test that needs a quiet
-    // line waits for this rather than for a time that a busy machine
-    // may overrun.
+    /// Returns once the modem has written all it has begun or scheduled: the
+    /// rest of a slow answer, unsolicited results and follow-ups however
+    /// late (a scheduled disappearance included). A test that needs a quiet
+    /// line waits for this rather than for a time that a busy machine
+    /// may overrun.
     void waitUntilQuiet();
-    // The device disappears `ms` from now (a modem dying in mid-exchange).
+    /// The device disappears `ms` from now (a modem dying in mid-exchange).
     void vanishAfter(int ms);
 
-    // USSD (AT+CUSD=<n>,"<string>",<dcs>). With n = 1 the modem answers OK
-    // and presents the network's reply to `code` as the unsolicited line
-    // `reply` (see Ussd) after the USSD delay; an empty `reply` means the
-    // network never answers; codes without a reply get "+CUSD: 4". With
-    // n = 0 nothing is presented. A profile with ussdPacked takes the string
-    // packed and in hexadecimal, and says ERROR to anything else.
+    /// USSD (AT+CUSD=`<n>`,"<string>",`<dcs>`). With n = 1 the modem answers OK
+    /// and presents the network's reply to `code` as the unsolicited line
+    /// `reply` (see Ussd) after the USSD delay; an empty `reply` means the
+    /// network never answers; codes without a reply get "+CUSD: 4". With
+    /// n = 0 nothing is presented. A profile with ussdPacked takes the string
+    /// packed and in hexadecimal, and says ERROR to anything else.
     void setUssdReply(const QByteArray& code, const QByteArray& reply);
-    // The operator answers `code` with an SMS: the PDU goes into the SMS
-    // store when the code is requested.
+    /// The operator answers `code` with an SMS: the PDU goes into the SMS
+    /// store when the code is requested.
     void setUssdSmsReply(const QByteArray& code, const QByteArray& pduHex);
-    // Time between the OK and the reply (100 ms at start).
+    /// Time between the OK and the reply (100 ms at start).
     void setUssdDelay(int ms);
-    // Presents the reply before the OK rather than after it.
+    /// Presents the reply before the OK rather than after it.
     void setUssdReplyBeforeOk(bool on);
-    // The next `count` requests are refused with "+CME ERROR: Unexpected
-    // Data Value", as ZTE firmware does while the network is still busy.
+    /// The next `count` requests are refused with "+CME ERROR: Unexpected
+    /// Data Value", as ZTE firmware does while the network is still busy.
     void setUssdRefusals(int count);
-    // The codes requested, as the modem understood them (unpacked).
+    /// The codes requested, as the modem understood them (unpacked).
     QList<QByteArray> ussdRequests() const;
-    // The character set chosen with AT+CSCS ("IRA" at start).
+    /// The character set chosen with AT+CSCS ("IRA" at start).
     QByteArray characterSet() const;
 
-    // The SMS store, listed in PDU mode by AT+CMGL=<stat> (4: all) as
-    // "+CMGL: <index>,<stat>,,<length>" lines each followed by the PDU, read
-    // one by one with AT+CMGR=<index>, counted by AT+CPMS? (storage "SM",
-    // 30 places), and emptied by AT+CMGD=<index>. `status` 0 is unread (listing marks it
-    // read), 1 read. Returns the index: `index`, or the lowest free one
-    // from 1. `pduHex` is an SMS-DELIVER PDU with its service-centre part.
+    /// The SMS store, listed in PDU mode by AT+CMGL=`<stat>` (4: all) as
+    /// "+CMGL: `<index>`,`<stat>`,,`<length>`" lines each followed by the PDU, read
+    /// one by one with AT+CMGR=`<index>`, counted by AT+CPMS? (storage "SM",
+    /// 30 places), and emptied by AT+CMGD=`<index>`. `status` 0 is unread (listing marks it
+    /// read), 1 read. Returns the index: `index`, or the lowest free one
+    /// from 1. `pduHex` is an SMS-DELIVER PDU with its service-centre part.
     int storeSms(const QByteArray& pduHex, int status = 1, int index = -1);
-    // Index -> PDU of the stored messages.
+    /// Index -> PDU of the stored messages.
     QMap<int, QByteArray> storedSms() const;
-    // The listing stops after `count` entries and the modem falls silent
-    // (no OK), as a modem that hangs half-way; -1 lists everything.
+    /// The listing stops after `count` entries and the modem falls silent
+    /// (no OK), as a modem that hangs half-way; -1 lists everything.
     void setSmsListLimit(int count);
 
     QList<CommandRecord> log() const;
     QList<QByteArray> commands() const;
     void clearLog();
-    // The line speed the client set last (0 before any client).
+    /// The line speed the client set last (0 before any client).
     qint32 lineSpeed() const;
-    // Messages sent with AT+CMGS: (number, text) in text mode; in PDU mode
-    // (empty, the PDU in hexadecimal as written).
+    /// Messages sent with AT+CMGS: (number, text) in text mode; in PDU mode
+    /// (empty, the PDU in hexadecimal as written).
     QList<QPair<QByteArray, QByteArray>> sentMessages() const;
-    // Whether the network confirms a sent message ("+CMGS: <reference>"
-    // and OK, at start); off, the modem takes the text and stays silent.
+    /// Whether the network confirms a sent message ("+CMGS: <reference>"
+    /// and OK, at start); off, the modem takes the text and stays silent.
     void setSmsConfirmation(bool on);
-    // The network refuses every sent message with this result code
-    // ("+CMS ERROR: 38", "ERROR") instead of confirming it; empty: off.
+    /// The network refuses every sent message with this result code
+    /// ("+CMS ERROR: 38", "ERROR") instead of confirming it; empty: off.
     void setSmsRefusal(const QByteArray& resultCode);
-    // The "> " prompt of AT+CMGS comes this late (the modem already takes
-    // text, and ESC cancels it).
+    /// The "> " prompt of AT+CMGS comes this late (the modem already takes
+    /// text, and ESC cancels it).
     void setPromptDelay(int ms);
 
 private:

@@ -12,13 +12,13 @@ public:
     ZelModemsLib();
     ~ZelModemsLib();
 
-    // The registered version; invalid until the library's load-time
-    // registration has run.
+    /// The registered version; invalid until the library's load-time
+    /// registration has run.
     static qt5ext::AppVersion version();
 
-    // The build date-time text handed to the registry, from the compiler's
-    // date ("MMM d yyyy", day padded with a blank below 10) and time
-    // ("hh:mm:ss"), in ISO 8601 form.
+    /// The build date-time text handed to the registry, from the compiler's
+    /// date ("MMM d yyyy", day padded with a blank below 10) and time
+    /// ("hh:mm:ss"), in ISO 8601 form.
     static QString buildDateTimeIso(const QString& compilerDate, const QString& compilerTime);
 
 private:

@@ -6,6 +6,7 @@
 #   tools/install-deps.sh --fresh-machine
 #                                  and what tools/check-fresh-machine.sh needs
 #   tools/install-deps.sh --abi    and libabigail for tools/check-abi.sh
+#   tools/install-deps.sh --docs   and Doxygen for tools/check-docs.sh
 set -euo pipefail
 
 packages=(
@@ -24,6 +25,7 @@ for option in "$@"; do
         --fuzz) packages+=(clang libclang-rt-dev) ;;
         --fresh-machine) packages+=(mmdebstrap git) ;;
         --abi) packages+=(abigail-tools) ;;
+        --docs) packages+=(doxygen) ;;
         *) echo "install-deps: unknown option '$option'" >&2; exit 2 ;;
     esac
 done

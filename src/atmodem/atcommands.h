@@ -12,11 +12,11 @@
 namespace AT {
 namespace Commands {
 
-inline constexpr char AT[] = "";            // the bare "AT" probe
-inline constexpr char ATE[] = "E";          // local echo, followed by 0 or 1
-inline constexpr char ATI[] = "I";          // identification
-inline constexpr char AT_AND_F0[] = "&F0";  // factory defaults
-inline constexpr char AT_AND_V[] = "&V";    // current configuration
+inline constexpr char AT[] = "";            ///< the bare "AT" probe
+inline constexpr char ATE[] = "E";          ///< local echo, followed by 0 or 1
+inline constexpr char ATI[] = "I";          ///< identification
+inline constexpr char AT_AND_F0[] = "&F0";  ///< factory defaults
+inline constexpr char AT_AND_V[] = "&V";    ///< current configuration
 inline constexpr char REVISION[] = "+GMR";
 inline constexpr char IMEI[] = "+GSN";
 inline constexpr char IMSI[] = "+CIMI";

@@ -18,7 +18,7 @@ class FailureData;
 ///     if (!ussd.send("*100#")) {
 ///         const zelmodems::Failure why = ussd.failure();
 ///         if (why.code() == zelmodems::Failure::CmeError && why.number() == 11)
-///             askForPin();                     // +CME ERROR: 11, SIM PIN required
+///             askForPin();                     ///< +CME ERROR: 11, SIM PIN required
 ///         qWarning() << why.text();
 ///     }
 ///

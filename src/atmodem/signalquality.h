@@ -32,16 +32,16 @@ public:
 
     /// Asks the modem (AT+CSQ); only a whole-line OK ends the answer.
     static SignalQuality read(AtModem* modem);
-    /// Reads a "+CSQ: <rssi>,<ber>" line out of an answer.
+    /// Reads a "+CSQ: `<rssi>`,`<ber>`" line out of an answer.
     static SignalQuality fromAnswer(const QByteArray& answer);
 
     /// The modem gave a +CSQ line.
     bool isAnswered() const { return m_rssi >= 0; }
     /// The modem gave a level (rssi 0..31).
     bool isKnown() const { return m_rssi >= 0 && m_rssi <= 31; }
-    /// <rssi>: 0 (-113 dBm or less) to 31 (-51 dBm or more), 99 not known; -1 no answer.
+    /// `<rssi>`: 0 (-113 dBm or less) to 31 (-51 dBm or more), 99 not known; -1 no answer.
     int rssi() const { return m_rssi; }
-    /// <ber>: 0..7, 99 not known; -1 no answer.
+    /// `<ber>`: 0..7, 99 not known; -1 no answer.
     int ber() const { return m_ber; }
     /// The level in dBm; 0 when not known.
     int dbm() const { return isKnown() ? 2 * m_rssi - 113 : 0; }

@@ -17,7 +17,7 @@ class StoredMessageData;
 /// entries that hold its parts, what kind of message it is, who it is from
 /// or to, when, its text or data, and whether it is whole.
 ///
-/// The kind is the TPDU's own (the modem's <stat> is only its
+/// The kind is the TPDU's own (the modem's `<stat>` is only its
 /// bookkeeping). The parts of a long message are grouped by address,
 /// concatenation reference and part count, so that two senders' messages
 /// that happen to share a reference stay apart; a part number that comes
@@ -82,7 +82,7 @@ public:
     /// Why the message could not be read, or why an entry is unusable.
     QString problem() const;
 
-    /// A stored SMS-SUBMIT, whatever its <stat>.
+    /// A stored SMS-SUBMIT, whatever its `<stat>`.
     bool isOutgoing() const;
     /// Decoded, with every part.
     bool isComplete() const;

@@ -9,15 +9,15 @@
 
 class ModemInfoData;
 
-// One modem and the dial-up connection made through it: the data and command
-// ports, the connection's name, the numbers to dial, the init lines, the line
-// speed, the PPP credentials, the dialer options and the SIM's data.
-//
-// A copy-on-write value. Its map form is deliberately asymmetric: toMap()
-// writes the dialer options (dialCommand, newPppd, stupidMode, isdn,
-// modemType), but setMap() does not read them back, because those options
-// are fixed by the library and must not be taken over from stored settings.
-// The IMEI is in neither direction.
+/// One modem and the dial-up connection made through it: the data and command
+/// ports, the connection's name, the numbers to dial, the init lines, the line
+/// speed, the PPP credentials, the dialer options and the SIM's data.
+///
+/// A copy-on-write value. Its map form is deliberately asymmetric: toMap()
+/// writes the dialer options (dialCommand, newPppd, stupidMode, isdn,
+/// modemType), but setMap() does not read them back, because those options
+/// are fixed by the library and must not be taken over from stored settings.
+/// The IMEI is in neither direction.
 class ZELMODEMSLIB_EXPORT ModemInfo
 {
 public:
@@ -33,16 +33,16 @@ public:
     void setCmdPortName(const QString& cmdPortName);
 
     QString connectionName() const;
-    // An empty name is replaced by generateConnectionName().
+    /// An empty name is replaced by generateConnectionName().
     void setConnectionName(const QString& name);
-    // The hook for a generated connection name; it generates none, so a
-    // record given an empty name stays unnamed (and invalid).
+    /// The hook for a generated connection name; it generates none, so a
+    /// record given an empty name stays unnamed (and invalid).
     QString generateConnectionName() const;
 
     QString imei() const;
     void setImei(const QString& imei);
 
-    // The number to dial: the phone field, else the first of phones, else empty.
+    /// The number to dial: the phone field, else the first of phones, else empty.
     QString phone() const;
     void setPhone(const QString& phone);
 
@@ -89,7 +89,7 @@ public:
     bool phoneFromSms() const;
     void setPhoneFromSms(bool phoneFromSms);
 
-    // A connection name, a port and a positive line speed.
+    /// A connection name, a port and a positive line speed.
     bool isValid() const;
 
     bool operator==(const ModemInfo& other) const;

@@ -13,6 +13,6 @@ public:
     ModemsEnvs();
     ~ModemsEnvs() override;
 
-    // "<workDir>/modems".
+    /// "<workDir>/modems".
     QString modemsPath() const;
 };

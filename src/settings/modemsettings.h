@@ -26,7 +26,7 @@
 class ZELMODEMSLIB_EXPORT ModemSettings
 {
 public:
-    // Loads the operator table on first use.
+    /// Loads the operator table on first use.
     ModemSettings();
     ~ModemSettings();
 
@@ -54,31 +54,31 @@ public:
     QMap<QString, ModemInfo> modems() const;
     void setModems(const QMap<QString, ModemInfo>& modems);
 
-    // Data and command ports of the connections named in the connection
-    // order, each port once, in that order.
+    /// Data and command ports of the connections named in the connection
+    /// order, each port once, in that order.
     QStringList ports() const;
 
     QVariantList toSettingsList() const;
-    // Drops every connection, then applies the list; bad entries are logged
-    // and skipped.
+    /// Drops every connection, then applies the list; bad entries are logged
+    /// and skipped.
     void setSettingsList(const QVariantList& list);
 
-    // The operator table compiled into the library.
+    /// The operator table compiled into the library.
     static QString mncTablePath();
-    // Reads a table file (a JSON array of operator entries).
+    /// Reads a table file (a JSON array of operator entries).
     static MncTable loadMncTable(const QString& path);
-    // Fills the process-wide table from mncTablePath() unless it holds
-    // entries already; an empty result is retried on the next call.
+    /// Fills the process-wide table from mncTablePath() unless it holds
+    /// entries already; an empty result is retried on the next call.
     static void loadMncTable();
     MncTable mncTable() const;
-    // Looks MCC and MNC up; `data` is left untouched when the table has no
-    // such entry. Reads the table without the lock: it must have been loaded.
+    /// Looks MCC and MNC up; `data` is left untouched when the table has no
+    /// such entry. Reads the table without the lock: it must have been loaded.
     bool getOperatorData(int mcc, int mnc, OperatorData& data) const;
 
-    // Waits (running the caller's events) up to 2 s for the port's lock file
-    // to go, then writes it; does nothing when it stays.
+    /// Waits (running the caller's events) up to 2 s for the port's lock file
+    /// to go, then writes it; does nothing when it stays.
     static void createLockFile(const QString& portName);
-    // True once the lock file is gone, false if it is still there after 2 s.
+    /// True once the lock file is gone, false if it is still there after 2 s.
     static bool waitLockFile(const QString& portName);
     static void removeLockFile(const QString& portName);
 
@@ -91,7 +91,7 @@ public:
     static const QString USE_PPPOE;
     static const QString PPPOE_PEER;
     static const QString SKIP_INTERNET_CHECKING;
-    // Names used by the library's callers in their own configuration.
+    /// Names used by the library's callers in their own configuration.
     static const QString MAPPED_IGNORE_QUERYING_ERROR;
     static const QString MAPPED_NOT_QUERY_MODEM;
     static const QString MAPPED_SIM_NUMBER;

@@ -33,8 +33,8 @@
 // (+CDS, or +CMGL with a status report in it):
 //
 //     PDU::SubmitOptions options;
-//     options.statusReport = true;            // TP-SRR
-//     options.validityMinutes = 24 * 60;      // relative validity, one day
+//     options.statusReport = true;            ///< TP-SRR
+//     options.validityMinutes = 24 * 60;      ///< relative validity, one day
 //     encodeSmsSubmit("89161234567", "Test", options);
 //     ...
 //     qInfo().noquote() << explainStatusReport(pduTextFromModem);
@@ -59,38 +59,38 @@ class PduSubmitOptionsData;
 class PduSubmitData;
 class PduStatusReportData;
 
-// One generated SMS-SUBMIT PDU: the service-centre part that AT+CMGS in PDU
-// mode expects in front (a single 00 octet for "the SMSC stored in the
-// modem") and the TPDU, whose length in octets is the number to give AT+CMGS.
+/// One generated SMS-SUBMIT PDU: the service-centre part that AT+CMGS in PDU
+/// mode expects in front (a single 00 octet for "the SMSC stored in the
+/// modem") and the TPDU, whose length in octets is the number to give AT+CMGS.
 class ZELMODEMSLIB_EXPORT PDU
 {
     Q_DECLARE_TR_FUNCTIONS(PDU)
 
 public:
     enum Alphabet {
-        AutoAlphabet,   // GSM 7-bit when the text fits it, otherwise UCS2
-        Gsm7Alphabet,   // GSM 7-bit default alphabet with its extension table
+        AutoAlphabet,   ///< GSM 7-bit when the text fits it, otherwise UCS2
+        Gsm7Alphabet,   ///< GSM 7-bit default alphabet with its extension table
         EightBitAlphabet,
-        Ucs2Alphabet,   // UTF-16BE (characters beyond the BMP as surrogate pairs)
+        Ucs2Alphabet,   ///< UTF-16BE (characters beyond the BMP as surrogate pairs)
     };
 
     enum NumberType {
-        AutoNumberType,      // "+..." international, otherwise unknown (dialled as is)
-        InternationalNumber, // type of address 0x91
-        NationalNumber,      // type of address 0xA1
-        UnknownNumberType,   // type of address 0x81
+        AutoNumberType,      ///< "+..." international, otherwise unknown (dialled as is)
+        InternationalNumber, ///< type of address 0x91
+        NationalNumber,      ///< type of address 0xA1
+        UnknownNumberType,   ///< type of address 0x81
     };
 
-    // Meaning of the TP-Status values by their range.
+    /// Meaning of the TP-Status values by their range.
     enum StatusClass {
-        StatusCompleted,          // 0x00-0x1F: transaction completed
-        StatusTemporaryRetrying,  // 0x20-0x3F: temporary error, the SC still tries
-        StatusPermanentError,     // 0x40-0x5F: permanent error, no more attempts
-        StatusTemporaryGivenUp,   // 0x60-0x7F: temporary error, no more attempts
-        StatusReserved,           // 0x80-0xFF and invalid values
+        StatusCompleted,          ///< 0x00-0x1F: transaction completed
+        StatusTemporaryRetrying,  ///< 0x20-0x3F: temporary error, the SC still tries
+        StatusPermanentError,     ///< 0x40-0x5F: permanent error, no more attempts
+        StatusTemporaryGivenUp,   ///< 0x60-0x7F: temporary error, no more attempts
+        StatusReserved,           ///< 0x80-0xFF and invalid values
     };
 
-    // What encodeSmsSubmit() is asked to build.
+    /// What encodeSmsSubmit() is asked to build.
     class ZELMODEMSLIB_EXPORT SubmitOptions
     {
     public:
@@ -102,25 +102,25 @@ public:
         bool operator==(const SubmitOptions& other) const;
         bool operator!=(const SubmitOptions& other) const { return !(*this == other); }
 
-        // The alphabet: GSM 7-bit when the text fits it, otherwise UCS2 (AutoAlphabet)
+        /// The alphabet: GSM 7-bit when the text fits it, otherwise UCS2 (AutoAlphabet)
         Alphabet alphabet() const;
         void setAlphabet(Alphabet value);
-        // The recipient's type of number.
+        /// The recipient's type of number.
         NumberType numberType() const;
         void setNumberType(NumberType value);
-        // TP-SRR: ask the service centre for a status report.
+        /// TP-SRR: ask the service centre for a status report.
         bool statusReport() const;
         void setStatusReport(bool value);
-        // Relative validity in minutes, rounded up to what the field can express (5 minutes to 63 weeks); 0 or less: no validity field.
+        /// Relative validity in minutes, rounded up to what the field can express (5 minutes to 63 weeks); 0 or less: no validity field.
         int validityMinutes() const;
         void setValidityMinutes(int value);
-        // Concatenation reference of a long message; negative: the next value of a process-wide counter that starts at a random value.
+        /// Concatenation reference of a long message; negative: the next value of a process-wide counter that starts at a random value.
         int concatReference() const;
         void setConcatReference(int value);
-        // 16-bit concatenation references (one septet/character less per part)
+        /// 16-bit concatenation references (one septet/character less per part)
         bool reference16Bit() const;
         void setReference16Bit(bool value);
-        // Service centre to put in front; empty: the modem's stored one.
+        /// Service centre to put in front; empty: the modem's stored one.
         QString serviceCentre() const;
         void setServiceCentre(const QString& value);
 
@@ -128,7 +128,7 @@ public:
         QSharedDataPointer<PduSubmitOptionsData> d;
     };
 
-    // An SMS-SUBMIT read back (to check what is about to be sent).
+    /// An SMS-SUBMIT read back (to check what is about to be sent).
     class ZELMODEMSLIB_EXPORT Submit
     {
     public:
@@ -148,30 +148,30 @@ public:
         void setMessageReference(int value);
         QString recipient() const;
         void setRecipient(const QString& value);
-        // Type-of-address octet.
+        /// Type-of-address octet.
         int recipientType() const;
         void setRecipientType(int value);
         bool statusReport() const;
         void setStatusReport(bool value);
-        // Relative validity only; 0: none.
+        /// Relative validity only; 0: none.
         int validityMinutes() const;
         void setValidityMinutes(int value);
         int dataCodingScheme() const;
         void setDataCodingScheme(int value);
         Alphabet alphabet() const;
         void setAlphabet(Alphabet value);
-        // User-data header, length octet first.
+        /// User-data header, length octet first.
         QByteArray header() const;
         void setHeader(const QByteArray& value);
-        // -1 without a concatenation element.
+        /// -1 without a concatenation element.
         int concatReference() const;
         void setConcatReference(int value);
-        // 1-based, as in the header.
+        /// 1-based, as in the header.
         int partNumber() const;
         void setPartNumber(int value);
         int partCount() const;
         void setPartCount(int value);
-        // 8-bit data comes as Latin-1.
+        /// 8-bit data comes as Latin-1.
         QString text() const;
         void setText(const QString& value);
 
@@ -179,7 +179,7 @@ public:
         QSharedDataPointer<PduSubmitData> d;
     };
 
-    // An SMS-STATUS-REPORT: what happened to a message sent with a status report requested.
+    /// An SMS-STATUS-REPORT: what happened to a message sent with a status report requested.
     class ZELMODEMSLIB_EXPORT StatusReport
     {
     public:
@@ -195,20 +195,20 @@ public:
         void setValid(bool value);
         QString error() const;
         void setError(const QString& value);
-        // TP-MR of the message the report is about.
+        /// TP-MR of the message the report is about.
         int messageReference() const;
         void setMessageReference(int value);
         QString recipient() const;
         void setRecipient(const QString& value);
         int recipientType() const;
         void setRecipientType(int value);
-        // TP-SCTS, with its zone as UTC offset.
+        /// TP-SCTS, with its zone as UTC offset.
         QDateTime serviceCentreTime() const;
         void setServiceCentreTime(const QDateTime& value);
-        // TP-DT.
+        /// TP-DT.
         QDateTime dischargeTime() const;
         void setDischargeTime(const QDateTime& value);
-        // TP-ST.
+        /// TP-ST.
         int status() const;
         void setStatus(int value);
 
@@ -224,91 +224,91 @@ public:
     ~PDU();
 
     bool isNull() const;
-    // Service-centre part, its length octet first (a single 00 by default).
+    /// Service-centre part, its length octet first (a single 00 by default).
     QByteArray serviceCentre() const;
     QByteArray tpdu() const;
-    // Octets of the TPDU: the length argument of AT+CMGS in PDU mode.
+    /// Octets of the TPDU: the length argument of AT+CMGS in PDU mode.
     int tpduLength() const;
-    // Service-centre part and TPDU as upper-case hexadecimal text.
+    /// Service-centre part and TPDU as upper-case hexadecimal text.
     QString toHex() const;
-    // Place of this PDU in its message (1-based) and the number of parts.
+    /// Place of this PDU in its message (1-based) and the number of parts.
     int partNumber() const;
     int partCount() const;
 
     bool operator==(const PDU& other) const;
     bool operator!=(const PDU& other) const;
 
-    // --- GSM 7-bit alphabet (TS 23.038 6.2.1 and its extension table) ---
+    /// --- GSM 7-bit alphabet (TS 23.038 6.2.1 and its extension table) ---
 
-    // Septets the text takes in the default alphabet (extension characters
-    // count two); -1 when some character is not in it.
+    /// Septets the text takes in the default alphabet (extension characters
+    /// count two); -1 when some character is not in it.
     static int gsm7Length(const QString& text);
-    // One septet per byte, extension characters as escape (0x1B) pairs;
-    // *ok (if given) is false and the result empty when a character is missing.
+    /// One septet per byte, extension characters as escape (0x1B) pairs;
+    /// *ok (if given) is false and the result empty when a character is missing.
     static QByteArray toGsm7(const QString& text, bool* ok = nullptr);
-    // The reverse; an unknown escape pair reads as its second septet, a
-    // trailing escape is dropped.
+    /// The reverse; an unknown escape pair reads as its second septet, a
+    /// trailing escape is dropped.
     static QString fromGsm7(const QByteArray& septets);
-    // Packs septets least significant bit first after `fillBits` zero bits.
+    /// Packs septets least significant bit first after `fillBits` zero bits.
     static QByteArray packSeptets(const QByteArray& septets, int fillBits = 0);
-    // Unpacks `count` septets starting `fillBits` bits into `packed` (fewer
-    // when the octets run out).
+    /// Unpacks `count` septets starting `fillBits` bits into `packed` (fewer
+    /// when the octets run out).
     static QByteArray unpackSeptets(const QByteArray& packed, int count, int fillBits = 0);
 
-    // --- Fields ---
+    /// --- Fields ---
 
-    // Address field: digit count, type of address, semi-octets. Accepts
-    // digits, '*', '#', and blanks, dashes, dots and parentheses (dropped);
-    // empty with *ok false on anything else or more than 20 digits.
+    /// Address field: digit count, type of address, semi-octets. Accepts
+    /// digits, '*', '#', and blanks, dashes, dots and parentheses (dropped);
+    /// empty with *ok false on anything else or more than 20 digits.
     static QByteArray encodeAddress(const QString& number, NumberType type = AutoNumberType,
                                     bool* ok = nullptr);
-    // TP-VP (relative) for at least `minutes`, and the minutes an octet means.
+    /// TP-VP (relative) for at least `minutes`, and the minutes an octet means.
     static int validityOctet(int minutes);
     static int validityMinutes(int octet);
-    // The alphabet a data coding scheme octet selects.
+    /// The alphabet a data coding scheme octet selects.
     static Alphabet alphabetOfDcs(int dcs);
-    // TP-Status in words, e.g. "Short message received by the SME".
+    /// TP-Status in words, e.g. "Short message received by the SME".
     static QString statusMeaning(int status);
     static StatusClass statusClass(int status);
-    // A time stamp in ISO 8601 with its zone offset always written
-    // (2026-11-24T09:57:42+03:00, 2026-11-24T06:57:42+00:00); empty when
-    // invalid. Every time the toolkit and the tools print is written so.
+    /// A time stamp in ISO 8601 with its zone offset always written
+    /// (2026-11-24T09:57:42+03:00, 2026-11-24T06:57:42+00:00); empty when
+    /// invalid. Every time the toolkit and the tools print is written so.
     static QString isoTime(const QDateTime& time);
 
 private:
     QSharedDataPointer<PduData> d;
 };
 
-// Builds the SMS-SUBMIT PDUs for `text` to `recipient`: one PDU when the
-// text fits one message (160 GSM septets or 70 UCS2 characters), otherwise a
-// concatenated series with user-data headers (153/67 per part, 152/66 with
-// 16-bit references; escape pairs and surrogate pairs are never split).
-// Returns an empty list and sets *error on a bad number, a text that the
-// chosen alphabet cannot carry, or one that needs more than 255 parts.
+/// Builds the SMS-SUBMIT PDUs for `text` to `recipient`: one PDU when the
+/// text fits one message (160 GSM septets or 70 UCS2 characters), otherwise a
+/// concatenated series with user-data headers (153/67 per part, 152/66 with
+/// 16-bit references; escape pairs and surrogate pairs are never split).
+/// Returns an empty list and sets *error on a bad number, a text that the
+/// chosen alphabet cannot carry, or one that needs more than 255 parts.
 ZELMODEMSLIB_EXPORT QList<PDU> encodeSmsSubmit(const QString& recipient, const QString& text,
                                                const PDU::SubmitOptions& options = PDU::SubmitOptions(),
                                                QString* error = nullptr);
 
-// Reads back an SMS-SUBMIT given as hexadecimal text (blanks allowed), with
-// the service-centre part in front unless `withServiceCentre` is false.
+/// Reads back an SMS-SUBMIT given as hexadecimal text (blanks allowed), with
+/// the service-centre part in front unless `withServiceCentre` is false.
 ZELMODEMSLIB_EXPORT PDU::Submit decodeSmsSubmit(const QString& hexPdu, bool withServiceCentre = true);
 
-// Reads an SMS-STATUS-REPORT as the modem shows it (hexadecimal text, with
-// the service-centre part unless `withServiceCentre` is false).
+/// Reads an SMS-STATUS-REPORT as the modem shows it (hexadecimal text, with
+/// the service-centre part unless `withServiceCentre` is false).
 ZELMODEMSLIB_EXPORT PDU::StatusReport decodeStatusReport(const QString& hexPdu,
                                                          bool withServiceCentre = true);
 
-// The status report in readable lines: reference, recipient, both times and
-// the status with its meaning; or a line that says why it cannot be read.
+/// The status report in readable lines: reference, recipient, both times and
+/// the status with its meaning; or a line that says why it cannot be read.
 ZELMODEMSLIB_EXPORT QString explainStatusReport(const QString& hexPdu, bool withServiceCentre = true);
 
-// A user-data header (its length octet first) in readable lines, one per
-// information element: concatenation (8- and 16-bit references), port
-// addressing, national language shift tables, special message indication;
-// other elements by name (or as unknown) with their octets in hexadecimal.
+/// A user-data header (its length octet first) in readable lines, one per
+/// information element: concatenation (8- and 16-bit references), port
+/// addressing, national language shift tables, special message indication;
+/// other elements by name (or as unknown) with their octets in hexadecimal.
 ZELMODEMSLIB_EXPORT QString explainUserDataHeader(const QByteArray& header);
 
 } // namespace zelmodems
 
-// The toolkit's class under its earlier global name.
+/// The toolkit's class under its earlier global name.
 using PDU = zelmodems::PDU;

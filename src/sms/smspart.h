@@ -18,35 +18,35 @@ public:
     SmsPartData(const SmsPartData& other);
     virtual ~SmsPartData();
 
-    // Concatenation reference (1 or 2 octets); empty for a single message.
+    /// Concatenation reference (1 or 2 octets); empty for a single message.
     QByteArray partId;
-    // 0-based position of this part within its message.
+    /// 0-based position of this part within its message.
     qint32 partNumber = 0;
-    // Number of parts of the message.
+    /// Number of parts of the message.
     qint32 partCount = 1;
     QString senderAddress;
-    // Service-centre time stamp, local time, zone not applied.
+    /// Service-centre time stamp, local time, zone not applied.
     QDateTime dateTime;
-    // First octet AND 2: 0 for SMS-DELIVER; 3 until the octet was read.
+    /// First octet AND 2: 0 for SMS-DELIVER; 3 until the octet was read.
     qint32 messageType = 3;
-    // TP-DCS AND 0x0C: 0 7-bit, 4 8-bit, 8 UCS2, 12 reserved.
+    /// TP-DCS AND 0x0C: 0 7-bit, 4 8-bit, 8 UCS2, 12 reserved.
     qint32 dataCoding = 0;
     QString text;
     bool error = false;
     QString errorString;
-    // TP-UDHI and the header's length octet (UDHL).
+    /// TP-UDHI and the header's length octet (UDHL).
     bool userDataHeader = false;
     quint8 headerLength = 0;
 };
 
-// One segment of a (possibly concatenated) received SMS. Copies share one
-// SmsPartData; a default part is valid and reads "[missing text]".
+/// One segment of a (possibly concatenated) received SMS. Copies share one
+/// SmsPartData; a default part is valid and reads "[missing text]".
 class ZELMODEMSLIB_EXPORT SmsPart
 {
 public:
     SmsPart();
-    // Takes the data (the decoder hands its result over this way). A null
-    // pointer gives a default part.
+    /// Takes the data (the decoder hands its result over this way). A null
+    /// pointer gives a default part.
     SmsPart(SmsPartData* data);
     SmsPart(const SmsPart& other);
     SmsPart& operator=(const SmsPart& other);
@@ -66,8 +66,8 @@ private:
     QExplicitlySharedDataPointer<SmsPartData> d;
 };
 
-// "SmsPart([<number>/<count>] <text>, <sender>, <date-time>)" for a valid
-// part, "SmsPart(<error>)" for an invalid one.
+/// "SmsPart([`<number>`/`<count>`] `<text>`, `<sender>`, `<date-time>`)" for a valid
+/// part, "SmsPart(`<error>`)" for an invalid one.
 ZELMODEMSLIB_EXPORT QDebug operator<<(QDebug dbg, const SmsPart& part);
-// As above; an invalid part reads "SmsPart(invalid message: <error>)".
+/// As above; an invalid part reads "SmsPart(invalid message: `<error>`)".
 ZELMODEMSLIB_EXPORT QDebug operator<<(QDebug dbg, SmsPart* part);

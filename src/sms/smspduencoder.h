@@ -10,12 +10,12 @@
 class ZELMODEMSLIB_EXPORT SmsPduEncoder
 {
 public:
-    // Returns the packed octets (raw, not hexadecimal), ceil(7n/8) of them.
-    // A byte with its top bit set is packed as `fill` (callers pass the
-    // blank, 32); only its low bits still reach the octet before it.
+    /// Returns the packed octets (raw, not hexadecimal), ceil(7n/8) of them.
+    /// A byte with its top bit set is packed as `fill` (callers pass the
+    /// blank, 32); only its low bits still reach the octet before it.
     static QByteArray encode(const QByteArray& text, uchar fill);
 
-    // Masks of the low 1 to 7 bits of the character whose bits complete an
-    // octet.
+    /// Masks of the low 1 to 7 bits of the character whose bits complete an
+    /// octet.
     static const uchar mEncodeMask[7];
 };

@@ -810,6 +810,10 @@
 <context>
     <name>UssdRequest</name>
     <message>
+        <source>The modem did not end the session: %1</source>
+        <translation>Модем не завершил сеанс: %1</translation>
+    </message>
+    <message>
         <source>No USSD code given</source>
         <translation>Не указан USSD-код</translation>
     </message>
@@ -1273,6 +1277,75 @@
     <message>
         <source>the answer ran past %1 bytes without a result code: not a modem&apos;s answer</source>
         <translation>ответ превысил %1 байт без кода результата: это не ответ модема</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::PortCatalogue</name>
+    <message>
+        <source>no such port: %1</source>
+        <translation>нет такого порта: %1</translation>
+    </message>
+    <message>
+        <source>%1 is in use by another program (%2)</source>
+        <translation>%1 занят другой программой (%2)</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SignalQuality</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не указан</translation>
+    </message>
+    <message>
+        <source>the modem did not report the signal level: %1</source>
+        <translation>модем не сообщил уровень сигнала: %1</translation>
+    </message>
+    <message>
+        <source>the modem did not report the signal level: no +CSQ in its answer</source>
+        <translation>модем не сообщил уровень сигнала: в ответе нет +CSQ</translation>
+    </message>
+    <message>
+        <source>excellent</source>
+        <translation>отличный</translation>
+    </message>
+    <message>
+        <source>good</source>
+        <translation>хороший</translation>
+    </message>
+    <message>
+        <source>fair</source>
+        <translation>средний</translation>
+    </message>
+    <message>
+        <source>poor</source>
+        <translation>слабый</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>неизвестен</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::OwnNumber</name>
+    <message>
+        <source>the request %1 did not go through: %2</source>
+        <translation>запрос %1 не прошёл: %2</translation>
+    </message>
+    <message>
+        <source>the operator&apos;s reply held no telephone number</source>
+        <translation>в ответе оператора нет номера телефона</translation>
+    </message>
+    <message>
+        <source>cannot list the stored messages: %1</source>
+        <translation>не удаётся получить список сохранённых сообщений: %1</translation>
+    </message>
+    <message>
+        <source>the operator&apos;s message %1 stays on the modem: %2</source>
+        <translation>сообщение оператора %1 остаётся в модеме: %2</translation>
+    </message>
+    <message>
+        <source>no message with a telephone number came within %1 s of %2</source>
+        <translation>за %1 с после %2 не пришло сообщение с номером телефона</translation>
     </message>
 </context>
 </TS>
