@@ -48,6 +48,31 @@ private slots:
         QVERIFY2(r.err.contains("zelmodems pdu encode: cannot encode the message"), r.describe());
     }
 
+    // Each option is read back from the PDU it shapes (TS 23.040 9.2.2.2).
+    void pduEncodeOptions_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("plain") << QStringList() << "0001000B919761214365F7000002C834";
+        QTest::newRow("status report asked (TP-SRR)") << QStringList{"--status-report"} << "0021000B919761214365F7000002C834";
+        QTest::newRow("valid 60 minutes (TP-VPF relative, VP 11)")
+            << QStringList{"--validity", "60"} << "0011000B919761214365F700000B02C834";
+        QTest::newRow("national number (type 0xA1)") << QStringList{"--national"} << "0001000BA19761214365F7000002C834";
+        QTest::newRow("concatenation reference 7") << QStringList{"--reference", "7", "--alphabet", "ucs2"}
+                                                   << "050003070201";
+    }
+
+    void pduEncodeOptions()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QString, expected);
+        const bool longText = options.contains("--reference");
+        const clitest::Result r = run(QStringList{"pdu", "encode", "+79161234567", longText ? QString(80, 'x') : "Hi"}
+                                      + options);
+        QCOMPARE(r.exitCode, 0);
+        QVERIFY2(r.out.contains(expected), r.describe());
+    }
+
     void pduExplainHeaderAndBrokenPdu()
     {
         const clitest::Result header = run({"pdu", "explain", "--udh", "05 00 03 cc 02 01"});

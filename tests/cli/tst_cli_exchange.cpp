@@ -45,7 +45,10 @@ private slots:
                                       << "zelmodems ussd: *100#: ";
         QTest::newRow("ended by the network, JSON error")
             << QStringList{"--json", "ussd", "*100#"} << QByteArray() << Ussd::plain("Bye", 15, 2) << 1
-            << "\"exitStatus\": 1";
+            << "\"errorCode\": \"refused\"";
+        // A menu the network keeps open is closed again (AT+CUSD=2).
+        QTest::newRow("USSD menu") << QStringList{"ussd", "*100#"} << QByteArray()
+                                   << Ussd::plain("1 Balans 2 Tarif", 15, 1) << 0 << "Reply:        1 Balans 2 Tarif\n";
         QTest::newRow("reply without an amount") << QStringList{"balance", "--code", "*100#", "--json"}
                                                  << QByteArray() << Ussd::plain("Service unavailable") << 0
                                                  << "\"amount\": null";
@@ -72,6 +75,7 @@ private slots:
         const clitest::Result r = run(args);
         QCOMPARE(r.exitCode, exitCode);
         QVERIFY2((exitCode == 0 || args.contains("--json") ? r.out : r.err).contains(expected), r.describe());
+        QCOMPARE(modem->commands().contains("+CUSD=2"), QString(QTest::currentDataTag()) == "USSD menu");
     }
 
     void infoOnAModemThatGoesSilent()

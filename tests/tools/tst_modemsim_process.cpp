@@ -186,6 +186,8 @@ private slots:
         const QList<QPair<QStringList, QByteArray>> cases = {
             {{QStringLiteral("--set"), QStringLiteral("signal strong")}, "signal takes rssi,ber"},
             {{QStringLiteral("--make"), QStringLiteral("nokia")}, "unknown make nokia"},
+            {{QStringLiteral("--count"), QStringLiteral("0")}, "--count takes a number from 1 to 1000"},
+            {{QStringLiteral("--count"), QStringLiteral("1001")}, "--count takes a number from 1 to 1000"},
         };
         for (const auto& c : cases) {
             QProcess sim;
@@ -194,6 +196,15 @@ private slots:
             QCOMPARE(sim.exitCode(), 2);
             QVERIFY(sim.readAllStandardError().contains(c.second));
         }
+
+        // The largest count is taken: as many modems, each with its link.
+        QTemporaryDir dir;
+        QProcess sim;
+        QVERIFY(!startSim(sim, {QStringLiteral("--count"), QStringLiteral("1000"), QStringLiteral("--link-dir"),
+                                dir.path()}).isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(dir.filePath(QStringLiteral("ttySIM999"))), 20000);
+        sim.terminate();
+        QVERIFY(sim.waitForFinished(10000));
     }
 
 };
