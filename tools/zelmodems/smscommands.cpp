@@ -172,12 +172,11 @@ QJsonObject toJson(const zelmodems::StoredMessage& message)
 bool readStore(ModemSession& session, QList<zelmodems::StoredMessage>& messages, Report& report)
 {
     MessageStore store(&session.modem());
-    QList<StoredPdu> entries;
-    if (!store.list(entries)) {
-        report.fail(store.failure(), Tool::tr("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
+    if (!store.listMessages(messages)) {
+        report.fail(store.failure(),
+                    Tool::tr("cannot list the messages on %1: %2").arg(session.portName(), store.lastError()));
         return false;
     }
-    messages = zelmodems::StoredMessage::group(entries);
     return true;
 }
 
