@@ -42,7 +42,7 @@ private slots:
     {
         const clitest::Result r = run({"info", port("huawei")});
         QVERIFY2(r.exitCode == 0 && r.err.isEmpty(), r.describe());
-        for (const char* expected : {"MCC/MNC:      250/02", "Table entry:  Мегафон", "Own number:   *205# (USSD reply)",
+        for (const char* expected : {"MCC/MNC:      250/02", "Network:      MegaFon", "Table entry:  Мегафон", "Own number:   *205# (USSD reply)",
                                      "SIM id:       89072143658709214365"})
             QVERIFY2(lines(r).contains(QString::fromUtf8(expected)), qPrintable(expected + ("\n" + r.describe())));
     }

@@ -54,6 +54,9 @@ private slots:
                                                       << QStringList{"1/1/0791", "7/0/0791"};
         QTest::newRow("outgoing, alpha with a comma, lower-case hex")
             << "+CMGL: 3,2,\"Smith, J\",23\r\n" + PDU_A.toLower() + "\r\n" << QStringList{"3/2/0791/Smith, J"};
+        QTest::newRow("stored sent, and a status past the four")
+            << "+CMGL: 8,3,,23\r\n" + PDU_A + "\r\n+CMGL: 9,4,,23\r\n" + PDU_A + "\r\n"
+            << QStringList{"8/3/0791", "9/-1/0791"};
         QTest::newRow("header without its PDU line")
             << "+CMGL: 4,1,,23\r\n" + b << QStringList{"4/1/!?", "7/0/0791"};
         QTest::newRow("PDU line not hexadecimal") << QByteArray("+CMGL: 5,1,,23\r\n07919Z\r\n")
