@@ -187,6 +187,8 @@ private slots:
             {{QStringLiteral("--set"), QStringLiteral("signal strong")}, "signal takes rssi,ber"},
             {{QStringLiteral("--make"), QStringLiteral("nokia")}, "unknown make nokia"},
             {{QStringLiteral("--count"), QStringLiteral("0")}, "--count takes a number from 1 to 1000"},
+            {{QStringLiteral("--set"), QStringLiteral("sms-pdu 07ZZ")}, "sms-pdu takes a PDU in hexadecimal"},
+            {{QStringLiteral("--set"), QStringLiteral("sms-pdu 0791 4")}, "a status from 0 to 3"},
             {{QStringLiteral("--count"), QStringLiteral("1001")}, "--count takes a number from 1 to 1000"},
         };
         for (const auto& c : cases) {
@@ -197,11 +199,12 @@ private slots:
             QVERIFY(sim.readAllStandardError().contains(c.second));
         }
 
-        // The largest count is taken: as many modems, each with its link.
+        // The largest count is taken: as many modems, each with its link;
+        // a stored sent PDU (status 3) too.
         QTemporaryDir dir;
         QProcess sim;
         QVERIFY(!startSim(sim, {QStringLiteral("--count"), QStringLiteral("1000"), QStringLiteral("--link-dir"),
-                                dir.path()}).isEmpty());
+                                dir.path(), QStringLiteral("--set"), QStringLiteral("sms-pdu 0791 3")}).isEmpty());
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(dir.filePath(QStringLiteral("ttySIM999"))), 20000);
         sim.terminate();
         QVERIFY(sim.waitForFinished(10000));
