@@ -231,6 +231,13 @@ private slots:
         const QString difference = mapDifference(info.toMap(), expected);
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
         QCOMPARE(info.phone(), phone);
+        // What the map holds comes back from it (the dialer options are the
+        // library's own and are not read).
+        ModemInfo back;
+        back.setMap(info.toMap());
+        for (const char* key : {"portName", "cmdPortName", "connectionName", "phone", "phones", "initLines", "baudrate",
+                                "userName", "password", "simNumber", "balanceUssd", "phoneUssd", "phoneFromSms"})
+            QCOMPARE(back.toMap().value(key), expected.value(key));
     }
 
     // --- OperatorData ----------------------------------------------------------
