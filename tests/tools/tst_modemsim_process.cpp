@@ -199,6 +199,12 @@ private slots:
             QVERIFY(sim.readAllStandardError().contains(c.second));
         }
 
+        QProcess help;
+        help.start(QStringLiteral(MODEMSIM_PATH), {QStringLiteral("--help")});
+        QVERIFY(help.waitForFinished(5000));
+        QCOMPARE(help.exitCode(), 0);
+        QVERIFY(help.readAllStandardOutput().contains("--count"));
+
         // The largest count is taken: as many modems, each with its link;
         // a stored sent PDU (status 3) too.
         QTemporaryDir dir;
