@@ -121,6 +121,11 @@ private slots:
         const QList<QByteArray> lines = zmltest::readFile(fresh).trimmed().split('\n');
         QCOMPARE(QJsonDocument::fromJson(lines.first()).object().value("port").toString(), device);
         QCOMPARE(QJsonDocument::fromJson(lines.last()).object().value("event").toString(), QStringLiteral("gone"));
+        // The readable text shows a command's CR as \x0d (the hex field is exact).
+        bool carriageReturn = false;
+        for (const QByteArray& line : lines)
+            carriageReturn |= QJsonDocument::fromJson(line).object().value("text").toString().endsWith("\\x0d");
+        QVERIFY(carriageReturn);
         sim.terminate();
         QVERIFY(sim.waitForFinished(5000));
 
