@@ -293,7 +293,22 @@ private slots:
         QVERIFY(!messages.at(3).problem().isEmpty());
     }
 
-    // (By SMS: tst_cli_exchange, through the tool.)
+    // The operator answers the request "not supported" and sends the SMS
+    // anyway: the number is found, nothing else is deleted, and no failure
+    // is left behind. (Through the tool: tst_cli_exchange.)
+    void ownNumberBySms()
+    {
+        ZML_OPEN(zelmodems::sim::Make::Huawei);
+        sim.storeSms(PDU_A, 1, 1);
+        sim.setUssdSmsReply("*110*10#", zelmodems::sim::DeliverPdu::ucs2("Beeline", QDateTime::currentDateTimeUtc(),
+                                                                         QStringLiteral("Vash nomer 79057654321")));
+        zelmodems::OwnNumber own(&modem);
+        QVERIFY2(own.bySms(QStringLiteral("*110*10#"), 5000, 100), qPrintable(own.failure().text()));
+        QCOMPARE(own.number(), QStringLiteral("9057654321"));
+        QVERIFY(!own.failure().isFailure());
+        QCOMPARE(sim.storedSms().keys(), QList<int>{1});
+    }
+
     void ownNumberByUssd()
     {
         ZML_OPEN(zelmodems::sim::Make::Huawei);
