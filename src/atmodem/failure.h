@@ -1,12 +1,18 @@
 #pragma once
-#include "zelmodemslib_export.h"
-
+#include <QSharedData>
 #include <QSharedDataPointer>
 #include <QString>
 
 namespace zelmodems {
 
-class FailureData;
+/// The shared part of a Failure.
+class FailureData : public QSharedData
+{
+public:
+    int code = 0;
+    int number = -1;
+    QString text;
+};
 
 /// Why an operation of the project's own classes did not do what was asked:
 /// a stable code a program can act on, the modem's error number where it
@@ -23,7 +29,9 @@ class FailureData;
 ///     }
 ///
 /// An implicitly shared value; a default-constructed Failure is no failure.
-class ZELMODEMSLIB_EXPORT Failure
+/// Defined wholly in this header, so that the simulator library and any
+/// program can carry one without linking the library.
+class Failure
 {
 public:
     /// What went wrong. The values and their names are stable.
@@ -44,28 +52,51 @@ public:
         SystemError,    ///< "system-error": the operating system refused (files, pseudo-terminals)
     };
 
-    Failure();
-    Failure(Code code, const QString& text, int number = -1);
-    Failure(const Failure& other);
-    Failure(Failure&& other) noexcept;
-    Failure& operator=(const Failure& other);
-    Failure& operator=(Failure&& other) noexcept;
-    ~Failure();
+    Failure() : d(new FailureData) {}
+    Failure(Code code, const QString& text, int number = -1) : d(new FailureData)
+    {
+        d->code = code;
+        d->text = text;
+        // Only the modem's numbered errors carry a number.
+        d->number = (code == CmeError || code == CmsError) ? number : -1;
+    }
 
-    bool operator==(const Failure& other) const;
+    bool operator==(const Failure& other) const
+    {
+        return d->code == other.d->code && d->number == other.d->number && d->text == other.d->text;
+    }
     bool operator!=(const Failure& other) const { return !(*this == other); }
 
     /// Something failed (code() is not NoFailure).
-    bool isFailure() const;
-    Code code() const;
+    bool isFailure() const { return d->code != NoFailure; }
+    Code code() const { return Code(d->code); }
     /// The n of "+CME ERROR: n" or "+CMS ERROR: n"; -1 for other codes.
-    int number() const;
+    int number() const { return d->number; }
     /// What happened, for a person, in the language of the installed
     /// translation; empty for no failure.
-    QString text() const;
+    QString text() const { return d->text; }
 
     /// The code's stable name: "none", "bad-input", "busy", "cme-error", ...
-    static QString codeName(Code code);
+    static QString codeName(Code code)
+    {
+        switch (code) {
+        case NoFailure: return QStringLiteral("none");
+        case BadInput: return QStringLiteral("bad-input");
+        case NotOpen: return QStringLiteral("not-open");
+        case Busy: return QStringLiteral("busy");
+        case Gone: return QStringLiteral("gone");
+        case NoAnswer: return QStringLiteral("no-answer");
+        case Unconfirmed: return QStringLiteral("unconfirmed");
+        case Refused: return QStringLiteral("refused");
+        case CmeError: return QStringLiteral("cme-error");
+        case CmsError: return QStringLiteral("cms-error");
+        case NotSupported: return QStringLiteral("not-supported");
+        case Malformed: return QStringLiteral("malformed");
+        case NotFound: return QStringLiteral("not-found");
+        case SystemError: return QStringLiteral("system-error");
+        }
+        return QStringLiteral("unknown");
+    }
 
 private:
     QSharedDataPointer<FailureData> d;

@@ -12,7 +12,6 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atmodemlog.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atdialect_p.h
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/failure.cpp
     ${CMAKE_CURRENT_LIST_DIR}/signalquality.cpp
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
