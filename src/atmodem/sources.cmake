@@ -14,6 +14,7 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/atdialect.cpp
     ${CMAKE_CURRENT_LIST_DIR}/signalquality.cpp
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/simidentity.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
     ${CMAKE_CURRENT_LIST_DIR}/lockfile_p.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.cpp
@@ -25,5 +26,6 @@ zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/failure.h
     ${CMAKE_CURRENT_LIST_DIR}/signalquality.h
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.h
+    ${CMAKE_CURRENT_LIST_DIR}/simidentity.h
     ${CMAKE_CURRENT_LIST_DIR}/atinput.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.h)

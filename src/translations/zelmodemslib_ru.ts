@@ -1348,4 +1348,15 @@
         <translation>за %1 с после %2 не пришло сообщение с номером телефона</translation>
     </message>
 </context>
+<context>
+    <name>zelmodems::SimIdentity</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не указан</translation>
+    </message>
+    <message>
+        <source>the modem gave no IMSI: %1</source>
+        <translation>модем не сообщил IMSI: %1</translation>
+    </message>
+</context>
 </TS>

@@ -7,6 +7,7 @@
 #include "modemsfinder.h"
 #include "progressline.h"
 #include "declaredports.h"
+#include "simidentity.h"
 #include "modemsession.h"
 #include "atmodem.h"
 
@@ -142,9 +143,7 @@ QString reasonFor(const QString& device)
     }
     QString imsi;
     if (!modem.getImsi(imsi)) {
-        QByteArray answer;
-        modem.sendCommand("+CIMI", answer, 1000);
-        const QString text = QString::fromLatin1(answer.simplified());
+        const QString text = zelmodems::SimIdentity::read(&modem).answer();
         if (text.isEmpty())
             return Tool::tr("a modem (%1) without SIM or operator: no answer to AT+CIMI").arg(modem.name());
         return Tool::tr("a modem (%1) without SIM or operator: AT+CIMI answered \"%2\"").arg(modem.name(), text);
