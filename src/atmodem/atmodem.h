@@ -128,6 +128,8 @@ public:
     /// command's partial answer matched: callers test `value`.
     bool getNumberInternal(const QByteArray& command, QString& value, QString pattern);
     bool getImei(QString& imei);
+    /// zelmodems::SimIdentity keeps the modem's own answer when there is no
+    /// IMSI (no SIM, a PIN awaited).
     bool getImsi(QString& imsi);
     /// The operator codes from the IMSI: three digits of MCC, two of MNC.
     bool getMnc(int& mcc, int& mnc);
