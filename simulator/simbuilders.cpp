@@ -150,4 +150,14 @@ QByteArray DeliverPdu::ucs2(const QByteArray& sender, const QDateTime& time, con
     return deliverHeader(sender, total > 1) + "08" + timestamp(time) + octet(data.size()) + data.toHex().toUpper();
 }
 
+QByteArray StatusReportPdu::build(int reference, const QByteArray& recipient, const QDateTime& time, int status)
+{
+    const bool international = recipient.startsWith('+');
+    const QByteArray digits = international ? recipient.mid(1) : recipient;
+    // SMS-STATUS-REPORT, no more messages; the reference, the recipient,
+    // the service centre's time, the discharge time and the status.
+    return "07919730071111F1" + octet(0x06) + octet(reference) + octet(digits.size())
+        + (international ? "91" : "81") + semiOctets(digits) + timestamp(time) + timestamp(time) + octet(status);
+}
+
 } // namespace zelmodems::sim

@@ -68,6 +68,9 @@ struct SimModem::Private
     bool smsConfirm = true;              // the network confirms a sent message
     QByteArray smsRefusal;               // the result code that refuses it instead
     int promptDelayMs = 0;               // the "> " prompt comes this late
+    int cregMode = 0;                    // AT+CREG=<n>
+    bool clip = false;                   // AT+CLIP=1
+    QByteArray registration = "1,\"1A2B\",\"01C3D4E5\",7";   // <stat>,<lac>,<ci>,<AcT>
 
     // Owned by the modem's thread.
     int master = -1;
@@ -103,6 +106,7 @@ struct SimModem::Private
     void closeDevice();
     void post(std::function<void()> task);
     void runSync(std::function<void()> task);
+    bool openDevice(QString* why);
     qint32 speed() const { return slave >= 0 ? readLineSpeed(slave) : 0; }
 };
 
@@ -128,10 +132,38 @@ SimModem::~SimModem()
     stop();
 }
 
-bool SimModem::start(QString* error)
+bool SimModem::Private::openDevice(QString* why)
 {
     auto fail = [&](const char* what) {
-        const QString text = QStringLiteral("%1: %2").arg(QLatin1String(what), QString::fromLocal8Bit(strerror(errno)));
+        *why = QStringLiteral("%1: %2").arg(QLatin1String(what), QString::fromLocal8Bit(strerror(errno)));
+        return false;
+    };
+    master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (master < 0)
+        return fail("posix_openpt");
+    if (::grantpt(master) != 0 || ::unlockpt(master) != 0)
+        return fail("grantpt");
+    char name[128];
+    if (::ptsname_r(master, name, sizeof name) != 0)
+        return fail("ptsname");
+    slave = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (slave < 0)
+        return fail("open slave");
+    struct termios tio;
+    if (::tcgetattr(slave, &tio) == 0) {
+        ::cfmakeraw(&tio);
+        ::tcsetattr(slave, TCSANOW, &tio);
+    }
+    ::fcntl(master, F_SETFL, ::fcntl(master, F_GETFL) | O_NONBLOCK);
+    std::lock_guard<std::mutex> lock(mutex);
+    ptyPath = QString::fromLocal8Bit(name);
+    vanished = false;
+    return true;
+}
+
+bool SimModem::start(QString* error)
+{
+    auto fail = [&](const QString& text) {
         d->failure = zelmodems::Failure(zelmodems::Failure::SystemError, text);
         if (error)
             *error = text;
@@ -141,34 +173,98 @@ bool SimModem::start(QString* error)
     d->failure = zelmodems::Failure();
     if (d->thread.joinable())
         return true;
-    d->master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (d->master < 0)
-        return fail("posix_openpt");
-    if (::grantpt(d->master) != 0 || ::unlockpt(d->master) != 0)
-        return fail("grantpt");
-    char name[128];
-    if (::ptsname_r(d->master, name, sizeof name) != 0)
-        return fail("ptsname");
-    d->slave = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (d->slave < 0)
-        return fail("open slave");
-    struct termios tio;
-    if (::tcgetattr(d->slave, &tio) == 0) {
-        ::cfmakeraw(&tio);
-        ::tcsetattr(d->slave, TCSANOW, &tio);
-    }
-    ::fcntl(d->master, F_SETFL, ::fcntl(d->master, F_GETFL) | O_NONBLOCK);
+    QString why;
+    if (!d->openDevice(&why))
+        return fail(why);
     if (::pipe2(d->wake, O_CLOEXEC | O_NONBLOCK) != 0)
-        return fail("pipe");
-    {
-        std::lock_guard<std::mutex> lock(d->mutex);
-        d->ptyPath = QString::fromLocal8Bit(name);
-        d->vanished = false;
-    }
+        return fail(QStringLiteral("pipe: %1").arg(QString::fromLocal8Bit(strerror(errno))));
     d->clock.start();
     d->stopping = false;
     d->thread = std::thread([this] { d->run(); });
     return true;
+}
+
+bool SimModem::reappear()
+{
+    if (!d->thread.joinable())
+        return false;
+    bool opened = false;
+    QString why;
+    d->runSync([&] {
+        if (d->master >= 0) {
+            opened = true;
+            return;
+        }
+        d->line.clear();
+        d->smsPrompt = false;
+        opened = d->openDevice(&why);
+    });
+    std::lock_guard<std::mutex> lock(d->mutex);
+    if (!opened) {
+        d->failure = zelmodems::Failure(zelmodems::Failure::SystemError, why);
+        return false;
+    }
+    if (!d->linkPath.isEmpty()) {
+        QFile::remove(d->linkPath);
+        if (::symlink(QFile::encodeName(d->ptyPath).constData(), QFile::encodeName(d->linkPath).constData()) != 0)
+            return false;
+    }
+    return true;
+}
+
+int SimModem::receiveSms(const QByteArray& pduHex)
+{
+    const int index = storeSms(pduHex, 0);
+    sendUnsolicited("\r\n+CMTI: \"SM\"," + QByteArray::number(index) + "\r\n");
+    return index;
+}
+
+void SimModem::receiveReport(const QByteArray& pduHex)
+{
+    const QByteArray octets = QByteArray::fromHex(pduHex);
+    const int smscLength = octets.isEmpty() ? 0 : uchar(octets.at(0)) + 1;
+    sendUnsolicited("\r\n+CDS: " + QByteArray::number(qMax(0, octets.size() - smscLength)) + "\r\n" + pduHex
+                    + "\r\n");
+}
+
+void SimModem::setRegistration(int state, const QByteArray& lac, const QByteArray& cell, int accessTechnology)
+{
+    QByteArray report;
+    {
+        std::lock_guard<std::mutex> lock(d->mutex);
+        const QByteArray place = "\"" + lac + "\",\"" + cell + "\"," + QByteArray::number(accessTechnology);
+        const bool located = state == 1 || state == 5;
+        d->registration = QByteArray::number(state) + (located ? "," + place : QByteArray());
+        d->replies.remove("+CREG?");   // the profile's fixed answer gives way
+        if (d->cregMode == 1)
+            report = "+CREG: " + QByteArray::number(state);
+        else if (d->cregMode == 2)
+            report = "+CREG: " + d->registration;
+    }
+    if (!report.isEmpty())
+        sendUnsolicited("\r\n" + report + "\r\n");
+}
+
+void SimModem::sendNetworkUssd(const QByteArray& cusdLine)
+{
+    sendUnsolicited("\r\n" + cusdLine + "\r\n");
+}
+
+void SimModem::setSignal(int rssi, int ber)
+{
+    setAnswer("+CSQ", "+CSQ: " + QByteArray::number(rssi) + "," + QByteArray::number(ber));
+    if (d->profile.make == Make::Huawei)
+        sendUnsolicited("\r\n^RSSI: " + QByteArray::number(rssi) + "\r\n");
+}
+
+void SimModem::ring(const QByteArray& number)
+{
+    bool clip;
+    {
+        std::lock_guard<std::mutex> lock(d->mutex);
+        clip = d->clip;
+    }
+    sendUnsolicited("\r\nRING\r\n" + (clip ? "\r\n+CLIP: \"" + number + "\",145\r\n" : QByteArray()));
 }
 
 void SimModem::stop()
@@ -802,8 +898,19 @@ Reply SimModem::Private::builtin(const QByteArray& command)
 {
     const QByteArray key = upper(command);
     std::lock_guard<std::mutex> lock(mutex);
-    if (key.isEmpty() || key == "+COPS=3,0" || key == "+CREG=2" || key == "+CGREG=2"
-        || key == "+CFUN=1" || key == "Z")
+    if (key.isEmpty() || key == "+COPS=3,0" || key == "+CGREG=2" || key == "+CFUN=1" || key == "Z")
+        return Reply::ok();
+    if (key == "+CREG=0" || key == "+CREG=1" || key == "+CREG=2") {
+        cregMode = key.right(1).toInt();
+        return Reply::ok();
+    }
+    if (key == "+CREG?")
+        return Reply::ok("+CREG: " + QByteArray::number(cregMode) + "," + registration);
+    if (key == "+CLIP=0" || key == "+CLIP=1") {
+        clip = key == "+CLIP=1";
+        return Reply::ok();
+    }
+    if (key == "+CMEE=0" || key == "+CMEE=1" || key == "+CMEE=2")
         return Reply::ok();
     if (key == "+++")
         return Reply::ok();

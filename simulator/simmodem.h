@@ -81,6 +81,15 @@ struct ZELMODEMSSIM_EXPORT DeliverPdu
                            int reference = 0, int part = 1, int total = 1);
 };
 
+/// SMS-STATUS-REPORT PDUs in hexadecimal, service-centre address included,
+/// as a modem presents them after +CDS.
+struct ZELMODEMSSIM_EXPORT StatusReportPdu
+{
+    /// The report on message `reference` sent to `recipient` (international
+    /// with "+"), `status` TP-ST (0: delivered), stamped `time` twice.
+    static QByteArray build(int reference, const QByteArray& recipient, const QDateTime& time, int status = 0);
+};
+
 /// One command as the modem received it.
 struct CommandRecord
 {
@@ -172,6 +181,33 @@ public:
     void waitUntilQuiet();
     /// The device disappears `ms` from now (a modem dying in mid-exchange).
     void vanishAfter(int ms);
+    /// The device comes back after vanish(): a new pseudo-terminal, and the
+    /// link made again where there was one (a USB modem re-enumerated).
+    /// The modem keeps its store and settings.
+    bool reappear();
+
+    /// Events, written the moment they are asked for, as the modem writes
+    /// them on its own:
+    /// A message arrives: stored unread, announced "+CMTI: "SM",`<index>`".
+    /// Returns the index.
+    int receiveSms(const QByteArray& pduHex);
+    /// A delivery report: "+CDS: `<length>`" and the PDU (StatusReportPdu).
+    void receiveReport(const QByteArray& pduHex);
+    /// The registration changes (TS 27.007 `<stat>`: 1 home, 5 roaming, 3
+    /// denied, 2 searching, 0 none) in area `lac` and cell `cell`: "+CREG:"
+    /// as the client asked with AT+CREG=`<n>` (nothing for 0), and the answer
+    /// to AT+CREG? from now on.
+    void setRegistration(int state, const QByteArray& lac = "1A2B", const QByteArray& cell = "01C3D4E5",
+                         int accessTechnology = 7);
+    /// The network sends USSD: a "+CUSD:" line made with Ussd (status 1 is
+    /// a menu that waits for an answer).
+    void sendNetworkUssd(const QByteArray& cusdLine);
+    /// The level changes: AT+CSQ answers it from now on, and a Huawei says
+    /// "^RSSI: `<rssi>`" at once.
+    void setSignal(int rssi, int ber = 99);
+    /// A voice call: RING, and "+CLIP: "`<number>`",145" when the client
+    /// asked for caller identification (AT+CLIP=1).
+    void ring(const QByteArray& number);
 
     /// USSD (AT+CUSD=`<n>`,"<string>",`<dcs>`). With n = 1 the modem answers OK
     /// and presents the network's reply to `code` as the unsolicited line

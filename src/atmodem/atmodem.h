@@ -17,6 +17,7 @@ class QSerialPort;
 namespace zelmodems {
 class UssdRequest;
 class LineChannel;
+class LiveChannel;
 }
 
 /// One modem on one serial port, spoken to in AT commands.
@@ -205,6 +206,7 @@ private:
     /// Sends the same USSD request and reads the same reply, keeping its status.
     friend class zelmodems::UssdRequest;
     friend class zelmodems::LineChannel;
+    friend class zelmodems::LiveChannel;
 
     /// Why a wait for the modem ended.
     enum class Wait { Matched, TimedOut, PortGone };

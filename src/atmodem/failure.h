@@ -50,6 +50,7 @@ public:
         Malformed,      ///< "malformed": an answer or a file that could not be read
         NotFound,       ///< "not-found": no such port, entry or file
         SystemError,    ///< "system-error": the operating system refused (files, pseudo-terminals)
+        Canceled,       ///< "canceled": the caller cancelled it before it was done
     };
 
     Failure() : d(new FailureData) {}
@@ -94,6 +95,7 @@ public:
         case Malformed: return QStringLiteral("malformed");
         case NotFound: return QStringLiteral("not-found");
         case SystemError: return QStringLiteral("system-error");
+        case Canceled: return QStringLiteral("canceled");
         }
         return QStringLiteral("unknown");
     }

@@ -3,32 +3,13 @@
 
 #include "atmodem.h"
 #include "atmodemlog_p.h"
+#include "livechannel_p.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSerialPort>
 
 namespace zelmodems {
-
-namespace {
-
-// Unsolicited result codes of TS 27.007/27.005 and the common vendor ones.
-const char* const UNSOLICITED[] = {
-    "RING", "+CRING:", "+CLIP:", "+CCWA:", "+CMTI:", "+CMT:", "+CDSI:", "+CDS:", "+CBM:", "+CBMI:",
-    "+CUSD:", "+CREG:", "+CGREG:", "+CEREG:", "+C5GREG:", "+CIEV:", "+CGEV:", "+QIND:", "+QUSIM:",
-    "^RSSI:", "^HCSQ:", "^MODE:", "^BOOT:", "^SYSSTART", "^SRVST:", "^SIMST:", "^DSFLOWRPT:", "^CEND:",
-    "^ORIG:", "^CONF:", "^CONN:", "^STIN:", "^NDISSTAT:", "^SMMEMFULL", "+ZPASR:", "+ZUSIMR:", "+ZEND",
-    "+CPIN: NOT READY", "+SIND:", "+PACSP", "*PSNWID:", "*PSUTTZ:", "+CTZV:", "+NITZ:",
-};
-
-// Unsolicited codes followed by a second line that belongs to them (the
-// PDU of a message or report routed to the terminal).
-bool hasPduLine(const QByteArray& line)
-{
-    return line.startsWith("+CMT:") || line.startsWith("+CDS:") || line.startsWith("+CBM:");
-}
-
-} // namespace
 
 QByteArray LineChannel::Answer::text() const
 {
@@ -53,6 +34,8 @@ QString LineChannel::Answer::reason() const
         return tr("the port closed (the modem was unplugged or reset)");
     case End::Overflow:
         return tr("the answer ran past %1 bytes without a result code: not a modem's answer").arg(MaxAnswerBytes);
+    case End::Canceled:
+        return tr("cancelled");
     }
     return QString();
 }
@@ -90,33 +73,20 @@ Failure LineChannel::Answer::failure(const QString& text) const
     case End::Overflow:
         code = Failure::Malformed;
         break;
+    case End::Canceled:
+        code = Failure::Canceled;
+        break;
     }
     return Failure(code, text, errorCode());
 }
 
-LineChannel::LineChannel(AtModem* modem) : m_modem(modem) {}
-
-bool LineChannel::isFinal(const QByteArray& line)
+LineChannel::LineChannel(AtModem* modem)
+    : m_modem(modem),
+      m_live(LiveChannel::of(modem)),
+      m_splitter(m_live ? m_live->splitter() : m_ownSplitter),
+      m_router(m_live ? m_live->router() : m_ownRouter),
+      m_settled(m_live != nullptr)
 {
-    static const char* const WHOLE[] = {"OK", "ERROR", "NO CARRIER", "BUSY", "NO ANSWER", "NO DIALTONE",
-                                        "COMMAND NOT SUPPORT", "TOO MANY PARAMETERS"};
-    for (const char* code : WHOLE) {
-        if (line == code)
-            return true;
-    }
-    return line.startsWith("+CME ERROR:") || line.startsWith("+CMS ERROR:") || line == "CONNECT"
-        || line.startsWith("CONNECT ");
-}
-
-bool LineChannel::isUnsolicited(const QByteArray& line, const QByteArray& ownPrefix)
-{
-    if (!ownPrefix.isEmpty() && line.startsWith(ownPrefix))
-        return false;
-    for (const char* code : UNSOLICITED) {
-        if (line.startsWith(code))
-            return true;
-    }
-    return false;
 }
 
 bool LineChannel::readMore(int ms)
@@ -128,39 +98,14 @@ bool LineChannel::readMore(int ms)
         port->waitForReadyRead(qMax(0, ms));
     if (!m_modem->portOpen())
         return false;
-    m_pending += port->readAll();
+    m_splitter.feed(port->readAll());
     return true;
 }
 
-bool LineChannel::takeLine(QByteArray& line)
+void LineChannel::pass(LineRouter::Kind kind, const QByteArray& line)
 {
-    int from = 0;
-    for (;;) {
-        int end = -1;
-        for (int i = from; i < m_pending.size(); ++i) {
-            if (m_pending.at(i) == '\r' || m_pending.at(i) == '\n') {
-                end = i;
-                break;
-            }
-        }
-        if (end < 0)
-            return false;
-        const QByteArray candidate = m_pending.left(end);
-        // A quoted text may hold line breaks (a USSD reply of several
-        // lines): the line ends where its quotes close.
-        if (candidate.count('"') % 2 != 0 && candidate.trimmed().startsWith("+CUSD:")) {
-            from = end + 1;
-            if (from >= m_pending.size())
-                return false;
-            continue;
-        }
-        int next = end;
-        while (next < m_pending.size() && (m_pending.at(next) == '\r' || m_pending.at(next) == '\n'))
-            ++next;
-        m_pending.remove(0, next);
-        line = candidate.trimmed();
-        return true;
-    }
+    if (m_live)
+        m_live->take(kind, line);
 }
 
 LineChannel::Answer LineChannel::collect(const QByteArray& echo, const QByteArray& ownPrefix, int timeoutMs,
@@ -169,42 +114,47 @@ LineChannel::Answer LineChannel::collect(const QByteArray& echo, const QByteArra
     Answer answer;
     QElapsedTimer clock;
     clock.start();
-    const auto ended = [&answer, &clock](End end) {
+    const auto ended = [this, &answer, &clock](End end) {
+        if (end != End::Final)
+            m_router.abandon();
         answer.end = end;
         answer.elapsedMs = clock.elapsed();
         return answer;
     };
+    m_router.begin(echo, ownPrefix);
     qint64 kept = 0;   // bytes of the intermediate lines, as text() gives them
-    bool pduFollows = false;
     for (;;) {
         QByteArray line;
-        while (takeLine(line)) {
-            if (line.isEmpty())
-                continue;
-            if (pduFollows) {
-                answer.unsolicited << line;
-                pduFollows = false;
-            } else if (isFinal(line)) {
+        while (m_splitter.takeLine(line)) {
+            const LineRouter::Kind kind = m_router.route(line);
+            switch (kind) {
+            case LineRouter::Kind::Final:
                 answer.final = line;
                 return ended(End::Final);
-            } else if (!echo.isEmpty() && line == echo) {
-                continue;
-            } else if (isUnsolicited(line, ownPrefix)) {
+            case LineRouter::Kind::Echo:
+            case LineRouter::Kind::Stray:
+                break;
+            case LineRouter::Kind::Unsolicited:
+            case LineRouter::Kind::UnsolicitedPdu:
                 answer.unsolicited << line;
-                pduFollows = hasPduLine(line);
-            } else {
+                pass(kind, line);
+                break;
+            case LineRouter::Kind::Intermediate:
                 answer.lines << line;
                 kept += line.size() + 2;
+                break;
             }
         }
-        if (promptEnds && m_pending.trimmed().startsWith('>')) {
-            m_pending.clear();
+        if (promptEnds && m_splitter.atPrompt()) {
+            m_splitter.clear();
             return ended(End::Prompt);
         }
-        if (kept + m_pending.size() > MaxAnswerBytes) {
-            m_pending.clear();
+        if (kept + m_splitter.pendingSize() > MaxAnswerBytes) {
+            m_splitter.clear();
             return ended(End::Overflow);
         }
+        if (m_live && m_live->canceled())
+            return ended(End::Canceled);
         const qint64 left = timeoutMs - clock.elapsed();
         if (left <= 0)
             return ended(End::TimedOut);
@@ -220,13 +170,16 @@ void LineChannel::settle()
     m_settled = true;
     if (!readMore(0))
         return;
+    // Whatever came before the first command: unsolicited codes are kept
+    // for the collection, the rest is stale.
     QByteArray kept;
     QByteArray line;
-    while (takeLine(line)) {
-        if (isUnsolicited(line))
+    while (m_splitter.takeLine(line)) {
+        if (LineRouter::isUnsolicited(line))
             kept += line + "\r\n";
     }
-    m_pending.prepend(kept);
+    m_splitter.clear();
+    m_splitter.feed(kept);
 }
 
 LineChannel::Answer LineChannel::command(const QByteArray& command, int timeoutMs, bool promptEnds)
@@ -242,16 +195,7 @@ LineChannel::Answer LineChannel::command(const QByteArray& command, int timeoutM
     // Unsolicited codes that came before the command are kept: the
     // collection below sets them apart from the answer.
     m_modem->m_port->write(full + '\r');
-    // The answer's own lines begin with the command's name: "+CMGL" for
-    // "+CMGL=4", "+CREG" for "+CREG?".
-    QByteArray own;
-    if (command.startsWith('+') || command.startsWith('^')) {
-        int end = 1;
-        while (end < command.size() && command.at(end) != '=' && command.at(end) != '?')
-            ++end;
-        own = command.left(end) + ':';
-    }
-    const Answer answer = collect(full, own, timeoutMs, promptEnds);
+    const Answer answer = collect(full, LineRouter::ownPrefixOf(command), timeoutMs, promptEnds);
     qCDebug(AT_MODEM()).noquote() << full << "answer" << answer.text() << "unsolicited" << answer.unsolicited;
     return answer;
 }
@@ -273,14 +217,17 @@ bool LineChannel::waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& l
     clock.start();
     for (;;) {
         QByteArray next;
-        while (takeLine(next)) {
-            if (next.startsWith(prefix)) {
+        while (m_splitter.takeLine(next)) {
+            const LineRouter::Kind kind = m_router.route(next);
+            if (kind != LineRouter::Kind::UnsolicitedPdu && next.startsWith(prefix)) {
                 line = next;
                 return true;
             }
+            // Other codes that come meanwhile are still events.
+            pass(kind, next);
         }
         const qint64 left = timeoutMs - clock.elapsed();
-        if (left <= 0 || m_pending.size() > MaxAnswerBytes)
+        if (left <= 0 || m_splitter.pendingSize() > MaxAnswerBytes || (m_live && m_live->canceled()))
             return false;
         if (!readMore(int(qMin<qint64>(left, 100))))
             return false;

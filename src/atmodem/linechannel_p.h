@@ -6,8 +6,12 @@
 // and nothing that arrives is thrown away: bytes after a final result code
 // wait for the next read (only what was on the line before the channel's
 // first command, other than unsolicited codes, is dropped as stale). The
-// fixed AtModem calls keep their own rules.
+// fixed AtModem calls keep their own rules. On a watched modem (LiveChannel)
+// the unread bytes and the router's state are the live channel's, and every
+// unsolicited code also goes to its listener as soon as it is read.
 #include "failure.h"
+#include "linerouter_p.h"
+#include "linesplitter_p.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -28,6 +32,7 @@ public:
         TimedOut,
         PortGone,   // the port closed or the device went away
         Overflow,   // more than any modem's answer without a result code
+        Canceled,   // the operation was cancelled while it waited
     };
 
     struct Answer
@@ -63,12 +68,6 @@ public:
     // before it are passed over.
     bool waitFor(const QByteArray& prefix, int timeoutMs, QByteArray& line);
 
-    // Whether `line` is a final result code.
-    static bool isFinal(const QByteArray& line);
-    // Whether `line` is an unsolicited result code (for a command whose
-    // own answer lines begin with `ownPrefix`, which are never taken as one).
-    static bool isUnsolicited(const QByteArray& line, const QByteArray& ownPrefix = QByteArray());
-
     // The most a modem's answer may hold; past it the answer ends.
     static const int MaxAnswerBytes = 2 * 1024 * 1024;
 
@@ -76,9 +75,8 @@ private:
     Answer collect(const QByteArray& echo, const QByteArray& ownPrefix, int timeoutMs, bool promptEnds);
     // Reads what the port has, waiting at most `ms`; false when the port is gone.
     bool readMore(int ms);
-    // The next whole line of the pending bytes (a quoted text that spans
-    // lines kept whole); false when none is whole yet.
-    bool takeLine(QByteArray& line);
+    // A routed line handed to the live channel's listener, when there is one.
+    void pass(LineRouter::Kind kind, const QByteArray& line);
 
     // Before the first command: what the port holds from before (the late
     // "OK" of a command that timed out, say) is dropped, unsolicited codes
@@ -86,7 +84,11 @@ private:
     void settle();
 
     AtModem* m_modem;
-    QByteArray m_pending;
+    class LiveChannel* m_live;
+    LineSplitter m_ownSplitter;
+    LineRouter m_ownRouter;
+    LineSplitter& m_splitter;
+    LineRouter& m_router;
     bool m_settled = false;
 };
 

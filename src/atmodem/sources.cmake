@@ -15,9 +15,16 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/signalquality.cpp
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.cpp
     ${CMAKE_CURRENT_LIST_DIR}/simidentity.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/registration.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
     ${CMAKE_CURRENT_LIST_DIR}/lockfile_p.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/linesplitter_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/linesplitter.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/linerouter_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/linerouter.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/livechannel_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/livechannel.cpp
     ${CMAKE_CURRENT_LIST_DIR}/linechannel_p.h
     ${CMAKE_CURRENT_LIST_DIR}/linechannel.cpp)
 zml_public_headers(
@@ -27,5 +34,6 @@ zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/signalquality.h
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.h
     ${CMAKE_CURRENT_LIST_DIR}/simidentity.h
+    ${CMAKE_CURRENT_LIST_DIR}/registration.h
     ${CMAKE_CURRENT_LIST_DIR}/atinput.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.h)

@@ -40,11 +40,15 @@ StoredMessage::~StoredMessage() = default;
 QList<StoredMessage> StoredMessage::group(const QList<StoredPdu>& entries)
 {
     // An entry the listing could not read stays an invalid part: a message of
-    // its own that keeps the listing's complaint.
+    // its own that keeps the listing's complaint. A message the modem passed
+    // on without storing it (+CMT, +CDS) has a PDU and no index.
+    const auto readable = [](const StoredPdu& entry) {
+        return !entry.pdu().isEmpty() && entry.problem().isEmpty();
+    };
     QList<ShortMessage> parts;
     parts.reserve(entries.size());
     for (const StoredPdu& entry : entries)
-        parts << (entry.isComplete() ? ShortMessage::decode(entry.pdu()) : ShortMessage());
+        parts << (readable(entry) ? ShortMessage::decode(entry.pdu()) : ShortMessage());
 
     QList<StoredMessage> messages;
     for (const JoinedMessage& joined : JoinedMessage::join(parts)) {
@@ -73,7 +77,7 @@ QList<StoredMessage> StoredMessage::group(const QList<StoredPdu>& entries)
             if (m.data)
                 m.userData += part.userData();
         }
-        m.problem = !first.isComplete() ? first.problem() : sms.error();
+        m.problem = !readable(first) ? first.problem() : sms.error();
         m.address = sms.address();
         m.time = joined.serviceCentreTime();
         m.text = joined.text();

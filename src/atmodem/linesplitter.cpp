@@ -1,0 +1,71 @@
+// Lines out of the modem's byte stream.
+#include "linesplitter_p.h"
+
+namespace zelmodems {
+
+namespace {
+
+bool isBreak(char c)
+{
+    return c == '\r' || c == '\n';
+}
+
+} // namespace
+
+bool LineSplitter::takeLine(QByteArray& line)
+{
+    for (;;) {
+        // Line breaks before the line are no part of it.
+        int start = 0;
+        while (start < m_pending.size() && isBreak(m_pending.at(start)))
+            ++start;
+        if (start > 0) {
+            m_pending.remove(0, start);
+            m_scanFrom = qMax(0, m_scanFrom - start);
+        }
+        if (m_pending.isEmpty())
+            return false;
+        // Only a +CUSD line's text may hold line breaks: the line ends where
+        // its quotes close.
+        const bool quotedText = m_pending.startsWith("+CUSD:") || m_pending.trimmed().startsWith("+CUSD:");
+        int quotes = 0;
+        if (quotedText) {
+            for (int i = 0; i < m_scanFrom; ++i)
+                quotes += m_pending.at(i) == '"';
+        }
+        int end = -1;
+        for (int i = m_scanFrom; i < m_pending.size(); ++i) {
+            const char c = m_pending.at(i);
+            if (c == '"')
+                ++quotes;
+            else if (isBreak(c) && !(quotedText && quotes % 2 != 0)) {
+                end = i;
+                break;
+            }
+        }
+        m_overlong = false;
+        if (end < 0) {
+            if (m_pending.size() <= MaxLineBytes) {
+                m_scanFrom = m_pending.size();
+                return false;
+            }
+            end = MaxLineBytes;
+            m_overlong = true;
+        }
+        line = m_pending.left(end).trimmed();
+        m_pending.remove(0, end);
+        m_scanFrom = 0;
+        if (!line.isEmpty())
+            return true;
+    }
+}
+
+bool LineSplitter::atPrompt() const
+{
+    int i = 0;
+    while (i < m_pending.size() && isBreak(m_pending.at(i)))
+        ++i;
+    return i < m_pending.size() && m_pending.at(i) == '>';
+}
+
+} // namespace zelmodems

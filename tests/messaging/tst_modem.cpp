@@ -1,0 +1,301 @@
+// The live modem against simulated modems: events as they happen (each
+// kind, and in the middle of another command's answer), errors with their
+// number, one operation at a time while a caller's timer asks for more,
+// cancelling, and a port that vanishes and comes back.
+#include "modem.h"
+#include "simfixture.h"
+
+#include <QFutureWatcher>
+#include <QSignalSpy>
+
+using zelmodems::Failure;
+using zelmodems::Modem;
+using zelmodems::ModemResult;
+using zelmodems::Registration;
+using namespace zelmodems::sim;
+
+namespace {
+
+// Waits for `future` while the event loop runs (timers, signals).
+template <typename T>
+ModemResult<T> await(const QFuture<ModemResult<T>>& future, int ms = 10000)
+{
+    QFutureWatcher<ModemResult<T>> watcher;
+    QEventLoop loop;
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    watcher.setFuture(future);
+    if (!future.isFinished())
+        QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    if (!future.isFinished())
+        loop.exec();
+    return future.isFinished() && !future.isCanceled() ? future.result() : ModemResult<T>();
+}
+
+bool openOn(SimModem& sim, Modem& modem)
+{
+    QString error;
+    if (!sim.start(&error) || !zmltest::giveOwnLink(sim)) {
+        qWarning("simulator: %s", qPrintable(error));
+        return false;
+    }
+    if (!modem.open(sim.devicePath())) {
+        qWarning("open: %s", qPrintable(modem.failure().text()));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+class TestModem : public QObject
+{
+    Q_OBJECT
+
+private:
+    zmltest::LockDir m_locks;
+
+private slots:
+    void initTestCase() { QVERIFY(m_locks.install()); }
+
+    // Each event the modem writes on its own reaches its signal, read and
+    // decoded, and only that signal.
+    void events_data()
+    {
+        QTest::addColumn<QString>("event");
+        QTest::addColumn<QByteArray>("signal");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("message (+CMTI, read from the store)") << "sms" << QByteArray(SIGNAL(messageReceived(zelmodems::StoredMessage)))
+                                                  << "+79161234567: Hello [1]";
+        QTest::newRow("message (+CMT, not stored)") << "cmt" << QByteArray(SIGNAL(messageReceived(zelmodems::StoredMessage)))
+                                                    << "+79161234567: Direct []";
+        QTest::newRow("long message, passed on when whole") << "long" << QByteArray(SIGNAL(messageReceived(zelmodems::StoredMessage)))
+                                                            << "+79161234567: Привет, мир [1,2]";
+        QTest::newRow("delivery report (+CDS)") << "report" << QByteArray(SIGNAL(deliveryReported(zelmodems::StoredMessage)))
+                                                << "report 42 status 0 for +79161234567";
+        QTest::newRow("roaming (+CREG)") << "roaming" << QByteArray(SIGNAL(registrationChanged(zelmodems::Registration)))
+                                         << "roaming 00AB 0000CDEF AcT 2";
+        QTest::newRow("denied (+CREG)") << "denied" << QByteArray(SIGNAL(registrationChanged(zelmodems::Registration)))
+                                        << "denied   AcT -1";
+        QTest::newRow("network USSD menu") << "ussd" << QByteArray(SIGNAL(ussdReceived(zelmodems::UssdReply)))
+                                           << "1: 1 Balance 2 Exit";
+        QTest::newRow("signal (^RSSI)") << "signal" << QByteArray(SIGNAL(signalChanged(zelmodems::SignalQuality)))
+                                        << "17/99";
+        QTest::newRow("caller (+CLIP)") << "ring" << QByteArray(SIGNAL(callerIdentified(QString)))
+                                        << "+79161234567";
+        QTest::newRow("unknown code, passed on raw") << "unknown" << QByteArray(SIGNAL(unsolicited(QByteArray, QByteArray)))
+                                                     << "^NEWTHING: 1,2";
+    }
+    void events()
+    {
+        QFETCH(QString, event);
+        QFETCH(QByteArray, signal);
+        QFETCH(QString, expected);
+        SimModem sim(Make::Huawei);
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        QSignalSpy spy(&modem, signal.constData());
+        QSignalSpy messages(&modem, &Modem::messageReceived);
+        QSignalSpy ussd(&modem, &Modem::ussdReceived);
+        const QDateTime time = zmltest::minutesAgo(1);
+        if (event == QLatin1String("sms")) {
+            sim.receiveSms(DeliverPdu::gsm7("+79161234567", time, "Hello"));
+        } else if (event == QLatin1String("cmt")) {
+            const QByteArray pdu = DeliverPdu::gsm7("+79161234567", time, "Direct");
+            sim.sendUnsolicited("\r\n+CMT: ," + QByteArray::number(pdu.size() / 2 - 8) + "\r\n" + pdu + "\r\n");
+        } else if (event == QLatin1String("long")) {
+            sim.receiveSms(DeliverPdu::ucs2("+79161234567", time, QStringLiteral("Привет, "), 7, 1, 2));
+            QTest::qWait(100);
+            QCOMPARE(messages.count(), 0);   // held until the rest comes
+            sim.receiveSms(DeliverPdu::ucs2("+79161234567", time, QStringLiteral("мир"), 7, 2, 2));
+        } else if (event == QLatin1String("report")) {
+            sim.receiveReport(StatusReportPdu::build(42, "+79161234567", time, 0));
+        } else if (event == QLatin1String("roaming")) {
+            sim.setRegistration(5, "00AB", "0000CDEF", 2);
+        } else if (event == QLatin1String("denied")) {
+            sim.setRegistration(3);
+        } else if (event == QLatin1String("ussd")) {
+            sim.sendNetworkUssd(Ussd::plain("1 Balance 2 Exit", 15, 1));
+        } else if (event == QLatin1String("signal")) {
+            sim.setSignal(17);
+        } else if (event == QLatin1String("ring")) {
+            sim.ring("+79161234567");
+        } else {
+            sim.sendUnsolicited("\r\n^NEWTHING: 1,2\r\n");
+        }
+        // The initial registration of open() may come first.
+        QTRY_VERIFY_WITH_TIMEOUT(!spy.isEmpty(), 5000);
+        QTest::qWait(50);
+        const QVariant value = spy.last().value(0);
+        QString got;
+        if (value.canConvert<zelmodems::StoredMessage>() && event != QLatin1String("report")) {
+            const auto m = value.value<zelmodems::StoredMessage>();
+            QStringList indexes;
+            for (int index : m.indexes())
+                indexes << QString::number(index);
+            got = QStringLiteral("%1: %2 [%3]").arg(m.address(), m.text(), indexes.join(QLatin1Char(',')));
+            QCOMPARE(messages.count(), 1);
+        } else if (event == QLatin1String("report")) {
+            const auto m = value.value<zelmodems::StoredMessage>();
+            got = QStringLiteral("report %1 status %2 for %3").arg(m.reportReference()).arg(m.reportStatus()).arg(m.address());
+        } else if (value.canConvert<Registration>()) {
+            const auto r = value.value<Registration>();
+            got = QStringLiteral("%1 %2 %3 AcT %4").arg(Registration::stateName(r.state()), r.area(), r.cell()).arg(r.accessTechnology());
+        } else if (value.canConvert<zelmodems::UssdReply>()) {
+            const auto r = value.value<zelmodems::UssdReply>();
+            got = QStringLiteral("%1: %2").arg(r.status).arg(r.text);
+        } else if (value.canConvert<zelmodems::SignalQuality>()) {
+            const auto q = value.value<zelmodems::SignalQuality>();
+            got = QStringLiteral("%1/%2").arg(q.rssi()).arg(q.ber());
+        } else {
+            got = value.toString();
+        }
+        QCOMPARE(got, expected);
+        if (event != QLatin1String("ussd"))
+            QCOMPARE(ussd.count(), 0);
+    }
+
+    // Unsolicited codes in the middle of an answer go to their listeners
+    // and stay out of the answer.
+    void unsolicitedInsideAnswer()
+    {
+        SimModem sim(Make::Huawei);
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        const int index = sim.storeSms(DeliverPdu::gsm7("+79161234567", zmltest::minutesAgo(2), "Inside"), 0);
+        sim.setReply("+CGMR", Reply::raw("\r\n+CMTI: \"SM\"," + QByteArray::number(index)
+                                         + "\r\n11.608.13.02.00\r\n+CREG: 5,\"0A0B\",\"0C0D0E0F\",7\r\n\r\nOK\r\n"));
+        QSignalSpy registrations(&modem, &Modem::registrationChanged);
+        QSignalSpy messages(&modem, &Modem::messageReceived);
+        const ModemResult<zelmodems::ModemAnswer> answer = await(modem.command("+CGMR"));
+        QVERIFY(answer.ok());
+        QCOMPARE(answer.value.lines, QList<QByteArray>{"11.608.13.02.00"});
+        QCOMPARE(answer.value.finalCode, QByteArray("OK"));
+        QTRY_COMPARE(messages.count(), 1);
+        QCOMPARE(messages.at(0).at(0).value<zelmodems::StoredMessage>().text(), QStringLiteral("Inside"));
+        QVERIFY(!registrations.isEmpty());
+        QCOMPARE(registrations.last().at(0).value<Registration>().state(), Registration::Roaming);
+    }
+
+    // A refusal carries its number and what it means.
+    void errorsWithTheirCode_data()
+    {
+        QTest::addColumn<QByteArray>("finalCode");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("meaning");
+        QTest::newRow("CME 11") << QByteArray("+CME ERROR: 11") << int(Failure::CmeError) << 11 << "SIM PIN required";
+        QTest::newRow("CMS 321") << QByteArray("+CMS ERROR: 321") << int(Failure::CmsError) << 321 << "invalid memory index";
+        QTest::newRow("plain ERROR") << QByteArray("ERROR") << int(Failure::Refused) << -1 << "ERROR";
+    }
+    void errorsWithTheirCode()
+    {
+        QFETCH(QByteArray, finalCode);
+        QFETCH(int, code);
+        QFETCH(int, number);
+        QFETCH(QString, meaning);
+        SimModem sim(Make::Huawei);
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        sim.setReply("+CPIN?", Reply::raw("\r\n" + finalCode + "\r\n"));
+        const auto result = await(modem.command("+CPIN?"));
+        QCOMPARE(int(result.failure.code()), code);
+        QCOMPARE(result.failure.number(), number);
+        QVERIFY2(result.failure.text().endsWith(meaning + (number >= 0 ? ")" : "")), qPrintable(result.failure.text()));
+        QVERIFY(sim.commands().contains("+CMEE=1"));
+    }
+
+    // A timer that asks for the signal while a USSD request waits for the
+    // network waits its turn, and the reply goes to the request.
+    void timerDuringUssdWaitsItsTurn()
+    {
+        SimModem sim(Make::Huawei);
+        sim.setUssdReply("*100#", Ussd::plain("Balance 12.50"));
+        sim.setUssdDelay(300);
+        sim.setSignal(20);
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        QSignalSpy network(&modem, &Modem::ussdReceived);
+        QStringList order;
+        auto balance = modem.requestUssd("*100#");
+        QFutureWatcher<ModemResult<zelmodems::UssdReply>> ussdWatcher;
+        connect(&ussdWatcher, &QFutureWatcherBase::finished, [&] { order << "ussd"; });
+        ussdWatcher.setFuture(balance);
+        QFuture<ModemResult<zelmodems::SignalQuality>> signal;
+        QFutureWatcher<ModemResult<zelmodems::SignalQuality>> signalWatcher;
+        connect(&signalWatcher, &QFutureWatcherBase::finished, [&] { order << "signal"; });
+        QTimer::singleShot(50, [&] {
+            signal = modem.readSignal();
+            signalWatcher.setFuture(signal);
+        });
+        QTRY_COMPARE_WITH_TIMEOUT(order.size(), 2, 10000);
+        QCOMPARE(order, (QStringList{"ussd", "signal"}));
+        QCOMPARE(balance.result().value.text, QStringLiteral("Balance 12.50"));
+        QCOMPARE(signal.result().value.rssi(), 20);
+        QCOMPARE(network.count(), 0);
+        const QList<QByteArray> commands = sim.commands();
+        QVERIFY(commands.lastIndexOf("+CSQ") > commands.lastIndexOf("+CUSD=1,\"*100#\",15"));
+    }
+
+    // A queued operation cancelled never runs; a USSD request cancelled
+    // while the network is still to answer ends the session.
+    void cancel()
+    {
+        SimModem sim(Make::Huawei);
+        sim.setUssdReply("*100#", QByteArray());   // the network never answers
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        sim.clearLog();
+        auto ussd = modem.requestUssd("*100#");
+        auto queued = modem.command("+CGMR");
+        queued.cancel();
+        QTest::qWait(200);
+        ussd.cancel();
+        QTRY_VERIFY(ussd.isFinished());
+        await(modem.command("")); // the queue has moved on
+        const QList<QByteArray> commands = sim.commands();
+        QVERIFY(!commands.contains("+CGMR"));
+        QVERIFY2(commands.contains("+CUSD=2"), commands.join(' ').constData());
+    }
+
+    // A port that vanishes ends the operation that waits and every queued
+    // one at once; the modem opens again when the device returns.
+    void vanishEndsEverythingAndReturns()
+    {
+        SimModem sim(Make::Huawei);
+        sim.setFault("+CGMR", Fault::Silence);
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        QSignalSpy gone(&modem, &Modem::gone);
+        QElapsedTimer clock;
+        clock.start();
+        auto waiting = modem.command("+CGMR", 20000);
+        auto queued = modem.readSignal();
+        sim.vanishAfter(100);
+        const auto first = await(waiting, 15000);
+        const auto second = await(queued, 15000);
+        QVERIFY2(clock.elapsed() < 5000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(first.failure.code(), Failure::Gone);
+        QCOMPARE(second.failure.code(), Failure::Gone);
+        QTRY_COMPARE(gone.count(), 1);
+        QCOMPARE(await(modem.readSignal()).failure.code(), Failure::Gone);
+
+        QVERIFY(sim.reappear());
+        QVERIFY(modem.open(sim.devicePath()));
+        QVERIFY(await(modem.readSignal()).ok());
+    }
+
+    // An idle modem that is unplugged is noticed without any command.
+    void idleVanish()
+    {
+        SimModem sim(Make::Huawei);
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        QSignalSpy gone(&modem, &Modem::gone);
+        sim.vanish();
+        QTRY_COMPARE_WITH_TIMEOUT(gone.count(), 1, 3000);
+        QVERIFY(!modem.isOpen());
+    }
+};
+
+QTEST_MAIN(TestModem)
+#include "tst_modem.moc"
