@@ -13,6 +13,8 @@ packages=(
     cmake g++ make pkg-config
     qtbase5-dev libqt5serialport5-dev qttools5-dev qttools5-dev-tools
     zlib1g-dev
+    # Serial devices plugged in and out (the modem watcher).
+    libudev-dev
     # Independent SMS decoder used as a peer by the tests and benchmarks.
     python3 python3-gammu
     # The dialer's configuration tool, run by the wvdialconf runner's tests.
