@@ -9,8 +9,15 @@
 #include <QDir>
 #include <QTextStream>
 
+#include <chrono>
+#include <condition_variable>
 #include <csignal>
+#include <iostream>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include <signal.h>
@@ -58,8 +65,13 @@ int main(int argc, char** argv)
         QStringLiteral("Play back a dialogue recorded with zelmodems --record: one modem that answers "
                        "each command as the recorded modem did."),
         QStringLiteral("file"));
+    QCommandLineOption controlOpt(QStringLiteral("control"),
+        QStringLiteral("Read statements from standard input while running, one a line, and apply them to "
+                       "every modem (\"N: statement\" for the modem on line N of the list, from 0): events "
+                       "such as \"incoming-sms +79161234567 Hi\", \"registration roaming\", "
+                       "\"ussd-menu 1 Balance\", \"vanish\", \"return\"."));
     parser.addOptions({makeOpt, countOpt, linkOpt, imsiOpt, noEchoOpt, latencyOpt, logOpt, setOpt, scriptOpt,
-                       replayOpt});
+                       replayOpt, controlOpt});
     parser.process(app);
 
     QTextStream out(stdout);
@@ -146,8 +158,67 @@ int main(int argc, char** argv)
         }
     }
 
+    // Delayed statements and those typed on standard input are applied on
+    // threads of their own, never while the modems are being taken down.
+    std::mutex eventMutex;
+    std::condition_variable eventWake;
+    bool stopping = false;
+    const auto applyTo = [&](int which, const QString& statement) {
+        std::lock_guard<std::mutex> lock(eventMutex);
+        if (stopping)
+            return;
+        for (int i = 0; i < int(modems.size()); ++i) {
+            if (which < 0 || which == i)
+                SimScript::applyOne(statement, *modems[size_t(i)]);
+        }
+    };
+    std::thread scheduler([&] {
+        std::multimap<int, QString> due;
+        for (const auto& item : script.delayed())
+            due.emplace(item.first, item.second);
+        const auto start = std::chrono::steady_clock::now();
+        for (const auto& item : due) {
+            std::unique_lock<std::mutex> lock(eventMutex);
+            if (eventWake.wait_until(lock, start + std::chrono::milliseconds(item.first), [&] { return stopping; }))
+                return;
+            lock.unlock();
+            applyTo(-1, item.second);
+        }
+    });
+    if (parser.isSet(controlOpt)) {
+        std::thread([&] {
+            std::string line;
+            while (std::getline(std::cin, line)) {
+                QString statement = QString::fromStdString(line).trimmed();
+                if (statement.isEmpty() || statement.startsWith(QLatin1Char('#')))
+                    continue;
+                int which = -1;
+                const int colon = statement.indexOf(QLatin1Char(':'));
+                bool numbered = false;
+                if (colon > 0)
+                    which = statement.left(colon).toInt(&numbered);
+                if (numbered)
+                    statement = statement.mid(colon + 1).trimmed();
+                else
+                    which = -1;
+                QString why;
+                if (!SimScript().add(statement, &why)) {
+                    std::cerr << "modemsim: " << why.toStdString() << std::endl;
+                    continue;
+                }
+                applyTo(which, statement);
+            }
+        }).detach();
+    }
+
     int sig = 0;
     sigwait(&stopSignals, &sig);
+    {
+        std::lock_guard<std::mutex> lock(eventMutex);
+        stopping = true;
+    }
+    eventWake.notify_all();
+    scheduler.join();
 
     if (parser.isSet(logOpt)) {
         for (const auto& modem : modems) {

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QMap>
 #include <QRegularExpression>
 
 #include <atomic>
@@ -29,6 +30,15 @@ Parsed parse(const QString& statement)
     p.first = b < 0 ? tail : tail.left(b);
     p.rest = b < 0 ? QString() : tail.mid(b + 1).trimmed();
     return p;
+}
+
+// The <stat> of a registration word, -1 for none.
+int registrationState(const QString& word)
+{
+    static const QMap<QString, int> STATES = {{QStringLiteral("none"), 0}, {QStringLiteral("home"), 1},
+                                              {QStringLiteral("searching"), 2}, {QStringLiteral("denied"), 3},
+                                              {QStringLiteral("roaming"), 5}};
+    return STATES.value(word, -1);
 }
 
 bool isLatin(const QString& text)
@@ -75,9 +85,42 @@ bool SimScript::add(const QString& statement, QString* error)
         const int n = p.first.toInt(&ok);
         if (!ok || n < 0 || !p.rest.isEmpty())
             return fail(QStringLiteral("%1 takes a number").arg(p.word));
-    } else if (p.word == QLatin1String("no-sms-confirmation")) {
+    } else if (p.word == QLatin1String("no-sms-confirmation") || p.word == QLatin1String("vanish")
+               || p.word == QLatin1String("return")) {
         if (!p.first.isEmpty())
-            return fail(QStringLiteral("no-sms-confirmation takes nothing"));
+            return fail(QStringLiteral("%1 takes nothing").arg(p.word));
+    } else if (p.word == QLatin1String("incoming-sms")) {
+        if (p.first.isEmpty() || p.rest.isEmpty())
+            return fail(QStringLiteral("incoming-sms takes a sender and a text"));
+    } else if (p.word == QLatin1String("delivery-report")) {
+        const Parsed more = parse(p.rest);
+        const int reference = p.first.toInt(&ok);
+        bool statusOk = true;
+        const int status = more.first.isEmpty() ? 0 : more.first.toInt(&statusOk);
+        if (!ok || reference < 0 || reference > 255 || more.word.isEmpty() || !statusOk || status < 0
+            || status > 255)
+            return fail(QStringLiteral("delivery-report takes a message reference (0-255), the recipient and "
+                                       "optionally a status (0 delivered)"));
+    } else if (p.word == QLatin1String("registration")) {
+        if (registrationState(p.first) < 0 || !p.rest.isEmpty())
+            return fail(QStringLiteral("registration takes home, roaming, denied, searching or none"));
+    } else if (p.word == QLatin1String("network-ussd") || p.word == QLatin1String("ussd-menu")) {
+        if (p.first.isEmpty())
+            return fail(QStringLiteral("%1 takes a text").arg(p.word));
+    } else if (p.word == QLatin1String("signal-change")) {
+        const int rssi = p.first.toInt(&ok);
+        if (!ok || rssi < 0 || (rssi > 31 && rssi != 99) || !p.rest.isEmpty())
+            return fail(QStringLiteral("signal-change takes an rssi from 0 to 31, or 99"));
+    } else if (p.word == QLatin1String("ring")) {
+        if (p.first.isEmpty() || !p.rest.isEmpty())
+            return fail(QStringLiteral("ring takes the caller's number"));
+    } else if (p.word == QLatin1String("after")) {
+        const int ms = p.first.toInt(&ok);
+        QString inner;
+        if (!ok || ms < 0 || p.rest.isEmpty() || parse(p.rest).word == QLatin1String("after")
+            || !SimScript().add(p.rest, &inner))
+            return fail(QStringLiteral("after takes milliseconds and a statement%1")
+                            .arg(inner.isEmpty() ? QString() : QStringLiteral(" (") + inner + QLatin1Char(')')));
     } else {
         return fail(QStringLiteral("unknown statement \"%1\"").arg(p.word));
     }
@@ -110,6 +153,25 @@ bool SimScript::addFile(const QString& path, QString* error)
 void SimScript::apply(SimModem& modem) const
 {
     for (const QString& statement : m_statements) {
+        if (!statement.startsWith(QLatin1String("after ")))
+            applyOne(statement, modem);
+    }
+}
+
+QList<QPair<int, QString>> SimScript::delayed() const
+{
+    QList<QPair<int, QString>> result;
+    for (const QString& statement : m_statements) {
+        const Parsed p = parse(statement);
+        if (p.word == QLatin1String("after"))
+            result << qMakePair(p.first.toInt(), p.rest);
+    }
+    return result;
+}
+
+void SimScript::applyOne(const QString& statement, SimModem& modem)
+{
+    {
         const Parsed p = parse(statement);
         const QByteArray first = p.first.toLatin1();
         if (p.word == QLatin1String("signal")) {
@@ -149,6 +211,28 @@ void SimScript::apply(SimModem& modem) const
             });
         } else if (p.word == QLatin1String("no-sms-confirmation")) {
             modem.setSmsConfirmation(false);
+        } else if (p.word == QLatin1String("incoming-sms")) {
+            const QDateTime now = QDateTime::currentDateTime();
+            modem.receiveSms(isLatin(p.rest) ? DeliverPdu::gsm7(first, now, p.rest.toLatin1())
+                                             : DeliverPdu::ucs2(first, now, p.rest));
+        } else if (p.word == QLatin1String("delivery-report")) {
+            const Parsed more = parse(p.rest);
+            modem.receiveReport(StatusReportPdu::build(p.first.toInt(), more.word.toLatin1(),
+                                                       QDateTime::currentDateTime(), more.first.toInt()));
+        } else if (p.word == QLatin1String("registration")) {
+            modem.setRegistration(registrationState(p.first));
+        } else if (p.word == QLatin1String("network-ussd") || p.word == QLatin1String("ussd-menu")) {
+            const QString text = statement.mid(p.word.size()).trimmed();
+            const int status = p.word == QLatin1String("ussd-menu") ? 1 : 0;
+            modem.sendNetworkUssd(isLatin(text) ? Ussd::plain(text.toLatin1(), 15, status) : Ussd::ucs2(text, status));
+        } else if (p.word == QLatin1String("signal-change")) {
+            modem.setSignal(p.first.toInt());
+        } else if (p.word == QLatin1String("ring")) {
+            modem.ring(first);
+        } else if (p.word == QLatin1String("vanish")) {
+            modem.vanish();
+        } else if (p.word == QLatin1String("return")) {
+            modem.reappear();
         }
     }
 }

@@ -1,6 +1,8 @@
 #pragma once
 #include "simmodem.h"
 
+#include <QList>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
@@ -18,6 +20,19 @@
 //   latency 300                     pause before every answer, in ms
 //   vanish-after 12                 the device disappears after 12 commands
 //   no-sms-confirmation             sent messages get no +CMGS
+//
+// and events, which happen when the statement is applied (at start, after
+// a delay, or typed on standard input with --control):
+//
+//   incoming-sms +79161234567 Hi    a message arrives (+CMTI)
+//   delivery-report 42 +7916... [0] a delivery report (+CDS) for message 42
+//   registration roaming            home, roaming, denied, searching, none (+CREG)
+//   network-ussd Text               the network sends USSD (+CUSD: 0)
+//   ussd-menu 1 Balance 2 Exit      a USSD menu that waits for an answer (+CUSD: 1)
+//   signal-change 12                a new level (+CSQ, and ^RSSI from a Huawei)
+//   ring +79161234567               RING and the caller's number
+//   vanish / return                 the device goes away / comes back
+//   after 2000 <statement>          the statement, 2 s after start
 class SimScript
 {
 public:
@@ -25,8 +40,12 @@ public:
     bool add(const QString& statement, QString* error);
     // Reads a file of statements; false with *error naming the line.
     bool addFile(const QString& path, QString* error);
-    // Applies every statement to a started modem.
+    // Applies every statement but the delayed ones to a started modem.
     void apply(zelmodems::sim::SimModem& modem) const;
+    // The delayed statements: (milliseconds after start, statement).
+    QList<QPair<int, QString>> delayed() const;
+    // Applies one checked statement.
+    static void applyOne(const QString& statement, zelmodems::sim::SimModem& modem);
 
 private:
     QStringList m_statements;

@@ -138,6 +138,11 @@ QString CommandLine::value(const QString& name) const
     return m_parser.value(name);
 }
 
+QStringList CommandLine::values(const QString& name) const
+{
+    return m_parser.values(name);
+}
+
 QStringList CommandLine::positional() const
 {
     return m_parser.positionalArguments();

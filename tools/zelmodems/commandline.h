@@ -37,6 +37,8 @@ public:
     bool json() const;
     bool isSet(const QString& name) const;
     QString value(const QString& name) const;
+    // Every value of a repeated option, in order.
+    QStringList values(const QString& name) const;
     QStringList positional() const;
     QString positional(int index) const;
 

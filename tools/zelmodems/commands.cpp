@@ -28,6 +28,7 @@ const QList<Entry>& table()
          Tool::tr("explain an SMS PDU or a user-data header (no modem needed)"), &pduExplain},
         {QStringLiteral("wvdialconf"), Tool::tr("stop dialers and run wvdialconf to write the dialer's search file"),
          &wvdialconf},
+        {QStringLiteral("watch"), Tool::tr("print the modems' events as they happen, until Ctrl-C"), &watch},
         {QStringLiteral("demo"), Tool::tr("all of it against simulated modems (no hardware needed)"), &demo},
     };
     return entries;

@@ -26,6 +26,7 @@ Report pduEncode(const QStringList& args);
 Report pduExplain(const QStringList& args);
 Report wvdialconf(const QStringList& args);
 Report demo(const QStringList& args);
+Report watch(const QStringList& args);
 
 // One entry of the command table: the words that name it ("sms list"), a
 // line for the overview, and the function that runs it.
