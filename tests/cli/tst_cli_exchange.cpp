@@ -1,6 +1,8 @@
 // zelmodems balance, ussd, own-number and the sms commands against
 // simulated modems whose network answers at once.
 #include "clifixture.h"
+
+#include <QJsonArray>
 #include "pdu.h"
 
 #include <QElapsedTimer>
@@ -48,7 +50,9 @@ private slots:
             << "\"errorCode\": \"refused\"";
         // A menu the network keeps open is closed again (AT+CUSD=2).
         QTest::newRow("USSD menu") << QStringList{"ussd", "*100#"} << QByteArray()
-                                   << Ussd::plain("1 Balans 2 Tarif", 15, 1) << 0 << "Reply:        1 Balans 2 Tarif\n";
+                                   << Ussd::plain("1 Balans 2 Tarif", 15, 1) << 0
+                                   << "Reply:        1 Balans 2 Tarif\nThe network's menu waited for an answer; it was "
+                                      "closed (AT+CUSD=2).\n";
         QTest::newRow("reply without an amount") << QStringList{"balance", "--code", "*100#", "--json"}
                                                  << QByteArray() << Ussd::plain("Service unavailable") << 0
                                                  << "\"amount\": null";
@@ -76,6 +80,63 @@ private slots:
         QCOMPARE(r.exitCode, exitCode);
         QVERIFY2((exitCode == 0 || args.contains("--json") ? r.out : r.err).contains(expected), r.describe());
         QCOMPARE(modem->commands().contains("+CUSD=2"), QString(QTest::currentDataTag()) == "USSD menu");
+    }
+
+    // A menu answered from a script: each answer goes to the network in
+    // turn, and the last reply is the result.
+    void ussdMenuAnswered()
+    {
+        auto modem = clitest::startModem(Make::Huawei);
+        QVERIFY(modem);
+        modem->setUssdReply("*111#", Ussd::plain("1 Balance 2 Exit", 15, 1));
+        modem->setUssdReply("1", Ussd::plain("1 RUB 2 USD", 15, 1));
+        modem->setUssdReply("2", Ussd::plain("Balance 5 USD"));
+        const clitest::Result r = run({"ussd", modem->devicePath(), "*111#", "--reply", "1", "--reply", "2", "--json"});
+        QCOMPARE(r.exitCode, 0);
+        QCOMPARE(r.json().value("reply").toString(), QStringLiteral("Balance 5 USD"));
+        QCOMPARE(r.json().value("exchange").toArray().size(), 3);
+        QCOMPARE(modem->ussdRequests(), (QList<QByteArray>{"*111#", "1", "2"}));
+        QVERIFY(!modem->commands().contains("+CUSD=2"));
+    }
+
+    // zelmodems watch shows each event within a second of its happening.
+    void watchShowsEvents()
+    {
+        auto modem = clitest::startModem(Make::Huawei);
+        QVERIFY(modem);
+        QProcess watch;
+        watch.setProcessEnvironment(clitest::environment());
+        watch.start(QStringLiteral(ZELMODEMS_PATH), {"watch", "--json", modem->devicePath()});
+        QVERIFY(watch.waitForStarted(10000));
+        QStringList seen;
+        // The events of the lines that came, read until `event` is among them.
+        const auto waitFor = [&](const QString& event) {
+            QElapsedTimer clock;
+            clock.start();
+            while (clock.elapsed() < 1000) {
+                while (watch.canReadLine()) {
+                    const QJsonObject line = QJsonDocument::fromJson(watch.readLine()).object();
+                    seen << line.value("event").toString() + QLatin1Char(' ')
+                                + line.value("state").toString() + line.value("text").toString();
+                }
+                if (!seen.filter(event).isEmpty())
+                    return true;
+                watch.waitForReadyRead(50);
+            }
+            return false;
+        };
+        QVERIFY2(waitFor("opened"), qPrintable(seen.join('\n') + watch.readAllStandardError()));
+        modem->receiveSms(DeliverPdu::gsm7("+79161234567", QDateTime::currentDateTime(), "Hello"));
+        QVERIFY2(waitFor("message Hello"), qPrintable(seen.join('\n')));
+        modem->setRegistration(5);
+        QVERIFY2(waitFor("registration roaming"), qPrintable(seen.join('\n')));
+        modem->sendNetworkUssd(Ussd::plain("Your bonus", 15, 0));
+        QVERIFY2(waitFor("ussd Your bonus"), qPrintable(seen.join('\n')));
+        modem->vanish();
+        QVERIFY2(waitFor("gone"), qPrintable(seen.join('\n')));
+        watch.terminate();
+        QVERIFY(watch.waitForFinished(5000));
+        QCOMPARE(watch.exitCode(), 143);
     }
 
     void infoOnAModemThatGoesSilent()

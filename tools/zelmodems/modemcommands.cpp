@@ -5,6 +5,14 @@
 #include "commands.h"
 #include "modemcommand.h"
 #include "ussdrequest.h"
+#include "console.h"
+
+#include <QJsonArray>
+
+#include <iostream>
+#include <string>
+
+#include <unistd.h>
 #include "modemsession.h"
 #include "ownnumber.h"
 #include "signalquality.h"
@@ -99,9 +107,22 @@ bool reportSignal(AtModem& modem, Report& report, zelmodems::Failure* failure = 
     return true;
 }
 
-// Sends a USSD code; false (and `report` failed) unless the network gave a
-// reply of status 0 or 1. A menu the network keeps open is closed again.
-bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& report)
+// Ends a menu the network keeps open, and says so.
+void closeMenu(AtModem& modem, Report& report)
+{
+    zelmodems::UssdRequest session(&modem);
+    if (session.cancel())
+        report.line(Tool::tr("The network's menu waited for an answer; it was closed (AT+CUSD=2)."));
+    else
+        report.line(Tool::tr("The network's menu waited for an answer; closing it failed: %1").arg(session.lastError()));
+    report.json().insert(QStringLiteral("menuClosed"), true);
+}
+
+// Sends a USSD code (or the answer to a menu); false (and `report` failed)
+// unless the network gave a reply of status 0 or 1. With `menuOpen` the
+// caller learns that the network waits for an answer; without it such a
+// menu is closed again, and the report says so.
+bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& report, bool* menuOpen = nullptr)
 {
     zelmodems::UssdRequest ussd(&modem);
     const bool ok = ussd.send(code);
@@ -110,9 +131,11 @@ bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& repor
     json.insert(QStringLiteral("status"), ussd.status() < 0 ? QJsonValue() : QJsonValue(ussd.status()));
     json.insert(QStringLiteral("statusText"),
                 ussd.status() < 0 ? QJsonValue() : QJsonValue(zelmodems::UssdRequest::statusMeaning(ussd.status())));
-    if (ussd.status() == 1)
-        ussd.cancel();
     reply = ussd.text();
+    if (menuOpen)
+        *menuOpen = ok && ussd.status() == 1;
+    else if (ok && ussd.status() == 1)
+        closeMenu(modem, report);
     if (ok)
         return true;
     if (!reply.isEmpty())
@@ -420,15 +443,56 @@ Report ussd(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("ussd"),
                          Tool::tr("Sends a USSD code and prints the network's reply (awaited up to about\n"
-                                        "20 s). Codes are written as on a phone: *100#."));
+                                        "20 s). Codes are written as on a phone: *100#. When the reply is a menu\n"
+                                        "that waits for an answer, the answer is asked for on a terminal, or taken\n"
+                                        "from --reply; a menu left without an answer is closed, and that is said."));
+    const QString REPLY = QStringLiteral("reply");
     command.commandLine().addPositional(QStringLiteral("CODE"), Tool::tr("The USSD code, for example *100#."));
-    return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
-        const QString code = cl.positional(1);
+    command.commandLine().addOption(QCommandLineOption(
+        REPLY, Tool::tr("An answer to the network's menu, in order (repeat it: --reply 1 --reply 3)."),
+        QStringLiteral("answer")));
+    return command.run(args, [&](ModemSession& session, const CommandLine& cl, Report& report) {
+        QStringList answers = cl.values(REPLY);
+        const bool interactive = answers.isEmpty() && !cl.json() && ::isatty(STDIN_FILENO) == 1
+                              && Console::outputIsTerminal();
+        QJsonArray exchange;
+        QString sent = cl.positional(1);
         QString reply;
-        if (!sendUssd(session.modem(), code, reply, report))
-            return;
-        report.field(Tool::tr("Reply"), reply.isEmpty() ? Tool::tr("(no text)") : reply);
+        for (;;) {
+            bool menu = false;
+            if (!sendUssd(session.modem(), sent, reply, report, &menu))
+                return;
+            exchange.append(QJsonObject{{QStringLiteral("sent"), sent}, {QStringLiteral("reply"), reply},
+                                        {QStringLiteral("menu"), menu}});
+            const QString shown = reply.isEmpty() ? Tool::tr("(no text)") : reply;
+            report.field(Tool::tr("Reply"), shown);
+            if (!menu)
+                break;
+            QString answer;
+            if (!answers.isEmpty()) {
+                answer = answers.takeFirst();
+            } else if (interactive) {
+                // The menu is shown now, so that the person can choose.
+                Console::out() << Tool::tr("Reply:") << ' ' << Report::escaped(shown) << '\n'
+                               << Tool::tr("Answer (an empty line closes the menu): ");
+                Console::out().flush();
+                std::string line;
+                std::getline(std::cin, line);
+                answer = QString::fromLocal8Bit(line.c_str()).trimmed();
+            }
+            if (answer.isEmpty()) {
+                closeMenu(session.modem(), report);
+                break;
+            }
+            report.field(Tool::tr("Answer"), answer);
+            sent = answer;
+        }
+        if (!answers.isEmpty())
+            report.line(Tool::tr("The session ended before these answers were used: %1")
+                            .arg(answers.join(QLatin1String(", "))));
+        report.json().insert(QStringLiteral("code"), cl.positional(1));
         report.json().insert(QStringLiteral("reply"), reply);
+        report.json().insert(QStringLiteral("exchange"), exchange);
     });
 }
 
