@@ -64,53 +64,11 @@ Latency libraryRoundTrip(AtModem& modem)
 }
 
 // The floor: the kernel's pty and the simulator's own turn-around, nothing
-// else. Echo is switched off first, as the library does on opening.
+// else.
 Latency rawRoundTrip(const QString& device)
 {
-    const int fd = ::open(device.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-    if (fd < 0) {
-        std::fprintf(stderr, "open %s: %s\n", qPrintable(device), std::strerror(errno));
-        return Latency{0, 0, iterations};
-    }
-    termios tio;
-    tcgetattr(fd, &tio);
-    cfmakeraw(&tio);
-    cfsetispeed(&tio, B115200);
-    cfsetospeed(&tio, B115200);
-    tcsetattr(fd, TCSANOW, &tio);
-
-    auto exchange = [fd](const char* command) -> bool {
-        const size_t len = std::strlen(command);
-        if (::write(fd, command, len) != ssize_t(len))
-            return false;
-        char buf[256];
-        QByteArray got;
-        while (!got.contains("OK")) {
-            pollfd p{fd, POLLIN, 0};
-            if (::poll(&p, 1, 1000) <= 0)
-                return false;
-            const ssize_t n = ::read(fd, buf, sizeof buf);
-            if (n > 0)
-                got.append(buf, int(n));
-        }
-        return true;
-    };
-    exchange("ATE0\r");
-    tcflush(fd, TCIFLUSH);
-    for (int i = 0; i < 50; ++i)
-        exchange("AT\r");
-    std::vector<double> us;
-    us.reserve(std::size_t(iterations));
     int failures = 0;
-    for (int i = 0; i < iterations; ++i) {
-        const qint64 t0 = nowNs();
-        const bool ok = exchange("AT\r");
-        const qint64 t1 = nowNs();
-        if (!ok)
-            ++failures;
-        us.push_back(double(t1 - t0) / 1000.0);
-    }
-    ::close(fd);
+    const std::vector<double> us = rawAtRoundTrips(device, iterations, &failures);
     return summarise(us, failures);
 }
 

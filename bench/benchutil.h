@@ -15,9 +15,16 @@
 #include <QtGlobal>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
 
 namespace bench {
 
@@ -55,6 +62,61 @@ inline double percentile(std::vector<double> values, double p)
     if (index >= values.size())
         index = values.size() - 1;
     return values[index];
+}
+
+// Round trips of a bare "AT" on `device` through a minimal POSIX loop
+// (write, poll, read until "OK"), in microseconds: the kernel's pty and the
+// modem's own turn-around, nothing else. Echo is switched off first, as the
+// library does on opening. Exchanges that got no "OK" are counted in
+// `failures`.
+inline std::vector<double> rawAtRoundTrips(const QString& device, int iterations, int* failures)
+{
+    std::vector<double> us;
+    *failures = 0;
+    const int fd = ::open(device.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    if (fd < 0) {
+        std::fprintf(stderr, "open %s: %s\n", qPrintable(device), std::strerror(errno));
+        *failures = iterations;
+        return us;
+    }
+    termios tio;
+    tcgetattr(fd, &tio);
+    cfmakeraw(&tio);
+    cfsetispeed(&tio, B115200);
+    cfsetospeed(&tio, B115200);
+    tcsetattr(fd, TCSANOW, &tio);
+
+    auto exchange = [fd](const char* command) -> bool {
+        const size_t len = std::strlen(command);
+        if (::write(fd, command, len) != ssize_t(len))
+            return false;
+        char buf[256];
+        QByteArray got;
+        while (!got.contains("OK")) {
+            pollfd p{fd, POLLIN, 0};
+            if (::poll(&p, 1, 1000) <= 0)
+                return false;
+            const ssize_t n = ::read(fd, buf, sizeof buf);
+            if (n > 0)
+                got.append(buf, int(n));
+        }
+        return true;
+    };
+    exchange("ATE0\r");
+    tcflush(fd, TCIFLUSH);
+    for (int i = 0; i < 50; ++i)
+        exchange("AT\r");
+    us.reserve(std::size_t(iterations));
+    for (int i = 0; i < iterations; ++i) {
+        const qint64 t0 = nowNs();
+        const bool ok = exchange("AT\r");
+        const qint64 t1 = nowNs();
+        if (!ok)
+            ++*failures;
+        us.push_back(double(t1 - t0) / 1000.0);
+    }
+    ::close(fd);
+    return us;
 }
 
 // Keeps the optimiser from dropping a computation whose result is unused.

@@ -27,7 +27,7 @@ for arg in "$@"; do
     esac
 done
 if [ ${#selected[@]} -eq 0 ]; then
-    selected=(bench_at bench_finder bench_sms bench_codec)
+    selected=(bench_at bench_live bench_finder bench_sms bench_codec)
 fi
 
 if [ "$build_it" -eq 1 ]; then

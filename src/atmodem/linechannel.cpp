@@ -92,10 +92,12 @@ LineChannel::LineChannel(AtModem* modem)
 bool LineChannel::readMore(int ms)
 {
     QSerialPort* port = m_modem->m_port;
+    LiveChannel::forgiveSpuriousReadError(port);
     if (!m_modem->portOpen())
         return false;
     if (port->bytesAvailable() == 0)
         port->waitForReadyRead(qMax(0, ms));
+    LiveChannel::forgiveSpuriousReadError(port);
     if (!m_modem->portOpen())
         return false;
     m_splitter.feed(port->readAll());

@@ -6,6 +6,8 @@
 
 #include <QSerialPort>
 
+#include <poll.h>
+
 namespace zelmodems {
 
 LiveChannel::LiveChannel(AtModem* modem) : QObject(modem->m_port), m_modem(modem)
@@ -59,8 +61,19 @@ void LiveChannel::take(LineRouter::Kind kind, const QByteArray& line)
     }
 }
 
+void LiveChannel::forgiveSpuriousReadError(QSerialPort* port)
+{
+    if (!port || !port->isOpen()
+        || (port->error() != QSerialPort::ReadError && port->error() != QSerialPort::ResourceError))
+        return;
+    pollfd device{int(port->handle()), POLLIN, 0};
+    if (::poll(&device, 1, 0) >= 0 && !(device.revents & (POLLHUP | POLLERR | POLLNVAL)))
+        port->clearError();
+}
+
 bool LiveChannel::readNow()
 {
+    forgiveSpuriousReadError(m_modem->m_port);
     if (!m_modem->portOpen())
         return false;
     m_splitter.feed(m_modem->m_port->readAll());

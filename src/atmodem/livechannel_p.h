@@ -16,6 +16,7 @@
 #include <functional>
 
 class AtModem;
+class QSerialPort;
 
 namespace zelmodems {
 
@@ -48,6 +49,14 @@ public:
     bool canceled() const { return m_cancelCheck && m_cancelCheck(); }
     // While an operation runs it reads the port itself.
     void setBusy(bool busy) { m_busy = busy; }
+
+    // QSerialPort reports an error when its read notification comes for
+    // bytes that a blocking wait has already taken: a read of 0 bytes is a
+    // read error, EAGAIN a resource error (and its notification is switched
+    // off until the next readAll()). The device is still there. The error is
+    // cleared unless the device has really hung up, so that only a device
+    // that went away ends the dialogue.
+    static void forgiveSpuriousReadError(QSerialPort* port);
 
     // One routed line: unsolicited codes (and the PDU line that follows
     // some) go to the listener; answers are the reader's business.
