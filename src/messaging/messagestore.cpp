@@ -2,6 +2,7 @@
 #include "messagestore.h"
 
 #include "atmodem.h"
+#include "modemaccess_p.h"
 #include "atmodemlog_p.h"
 #include "linechannel_p.h"
 
@@ -97,6 +98,7 @@ class MessageStorePrivate
 {
 public:
     AtModem* modem = nullptr;
+    Modem* live = nullptr;   // the live modem the calls run on, if any
     Failure failure;
 
     bool fail(const Failure& why)
@@ -130,6 +132,11 @@ public:
 MessageStore::MessageStore(AtModem* modem) : d(new MessageStorePrivate)
 {
     d->modem = modem;
+}
+
+MessageStore::MessageStore(Modem* modem) : d(new MessageStorePrivate)
+{
+    d->live = modem;
 }
 
 MessageStore::~MessageStore() = default;
@@ -177,6 +184,11 @@ bool MessageStore::parseListing(const QByteArray& answer, QList<StoredPdu>& entr
 
 bool MessageStore::list(QList<StoredPdu>& entries)
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return list(entries); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        });
     entries.clear();
     d->failure = Failure();
     // Result codes count only as lines of their own, so an "OK" inside a
@@ -198,6 +210,11 @@ bool MessageStore::list(QList<StoredPdu>& entries)
 
 bool MessageStore::read(int index, StoredPdu& entry)
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return read(index, entry); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        });
     entry = StoredPdu();
     d->failure = Failure();
     if (index < 0 || index > MaxIndex)
@@ -224,6 +241,11 @@ bool MessageStore::read(int index, StoredPdu& entry)
 
 bool MessageStore::remove(int index)
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return remove(index); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        });
     d->failure = Failure();
     if (index < 0 || index > MaxIndex)
         return d->fail(Failure(Failure::BadInput, tr("%1 is not a store index").arg(index)));
@@ -236,6 +258,11 @@ bool MessageStore::remove(int index)
 
 bool MessageStore::listMessages(QList<StoredMessage>& messages)
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return listMessages(messages); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        });
     messages.clear();
     QList<StoredPdu> entries;
     if (!list(entries))
@@ -246,6 +273,11 @@ bool MessageStore::listMessages(QList<StoredMessage>& messages)
 
 bool MessageStore::remove(const QList<int>& indexes)
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return remove(indexes); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        });
     Failure first;
     for (const int index : indexes) {
         if (!remove(index) && !first.isFailure())

@@ -14,6 +14,8 @@ class AtModem;
 
 namespace zelmodems {
 
+class Modem;
+
 class MessageStorePrivate;
 
 /// A modem's SMS store, read without being emptied (3GPP TS 27.005 in PDU
@@ -46,6 +48,11 @@ public:
     static constexpr int MaxIndex = 999999;
 
     explicit MessageStore(AtModem* modem);
+    /// The same service on a live modem: each call runs on the modem's
+    /// thread in its turn in the queue (after the operations queued before
+    /// it), while the calling thread waits. Never call it from a slot of the
+    /// modem's thread. (Handlers set here are called on the modem's thread.)
+    explicit MessageStore(Modem* modem);
     ~MessageStore();
     MessageStore(const MessageStore&) = delete;
     MessageStore& operator=(const MessageStore&) = delete;

@@ -6,6 +6,7 @@
 #include "linechannel_p.h"
 #include "livechannel_p.h"
 #include "messagestore.h"
+#include "modemaccess_p.h"
 #include "modemerror.h"
 #include "modemworker_p.h"
 #include "smssender.h"
@@ -257,6 +258,18 @@ QFuture<ModemResult<bool>> Modem::cancelUssd()
         ended = request.cancel();
         return request.failure();
     });
+}
+
+Failure ModemAccess::run(Modem* modem, const std::function<void(AtModem*)>& body, const QList<QByteArray>& claimed)
+{
+    // The caller waits, so the body may use what it captured by reference.
+    const QFuture<ModemResult<bool>> done = modem->d->queue<bool>(
+        [&body](AtModem* driver, bool&) {
+            body(driver);
+            return Failure();
+        },
+        claimed);
+    return done.result().failure;
 }
 
 void Modem::setSignalPollInterval(int ms)

@@ -155,6 +155,7 @@ signals:
     void gone();
 
 private:
+    friend class ModemAccess;
     QScopedPointer<ModemPrivate> d;
 };
 

@@ -3,6 +3,7 @@
 
 #include "atinput.h"
 #include "atmodem.h"
+#include "modemaccess_p.h"
 #include "atmodemlog_p.h"
 #include "linechannel_p.h"
 #include "pdu.h"
@@ -26,6 +27,7 @@ class SmsSenderPrivate
 {
 public:
     AtModem* modem = nullptr;
+    Modem* live = nullptr;   // the live modem the calls run on, if any
     int confirmTimeoutMs = 30000;
     QList<int> references;
     int partCount = 0;
@@ -74,6 +76,11 @@ public:
 SmsSender::SmsSender(AtModem* modem) : d(new SmsSenderPrivate)
 {
     d->modem = modem;
+}
+
+SmsSender::SmsSender(Modem* modem) : d(new SmsSenderPrivate)
+{
+    d->live = modem;
 }
 
 SmsSender::~SmsSender() = default;
@@ -207,6 +214,11 @@ QString SmsSender::errorMeaning(int code)
 
 bool SmsSender::send(const QString& number, const QString& text)
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return send(number, text); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        });
     d->references.clear();
     d->partCount = 0;
     d->failure = Failure();

@@ -13,6 +13,8 @@ class AtModem;
 
 namespace zelmodems {
 
+class Modem;
+
 class SmsSenderPrivate;
 
 /// Sends an SMS in PDU mode (3GPP TS 27.005 AT+CMGS with SMS-SUBMIT PDUs): any
@@ -48,6 +50,11 @@ public:
     };
 
     explicit SmsSender(AtModem* modem);
+    /// The same service on a live modem: each call runs on the modem's
+    /// thread in its turn in the queue (after the operations queued before
+    /// it), while the calling thread waits. Never call it from a slot of the
+    /// modem's thread. (Handlers set here are called on the modem's thread.)
+    explicit SmsSender(Modem* modem);
     ~SmsSender();
     SmsSender(const SmsSender&) = delete;
     SmsSender& operator=(const SmsSender&) = delete;

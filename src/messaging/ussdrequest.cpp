@@ -4,6 +4,7 @@
 #include "ussdrequest.h"
 
 #include "atmodem.h"
+#include "modemaccess_p.h"
 #include "atmodem_p.h"
 #include "linechannel_p.h"
 
@@ -13,6 +14,7 @@ class UssdRequestPrivate
 {
 public:
     AtModem* modem = nullptr;
+    Modem* live = nullptr;   // the live modem the calls run on, if any
     int status = -1;
     QString text;
     Failure failure;
@@ -47,10 +49,20 @@ UssdRequest::UssdRequest(AtModem* modem) : d(new UssdRequestPrivate)
     d->modem = modem;
 }
 
+UssdRequest::UssdRequest(Modem* modem) : d(new UssdRequestPrivate)
+{
+    d->live = modem;
+}
+
 UssdRequest::~UssdRequest() = default;
 
 bool UssdRequest::send(const QString& code)
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return send(code); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        }, {QByteArray("+CUSD:")});
     using namespace atmodeminternal;
     d->status = -1;
     d->text.clear();
@@ -124,6 +136,11 @@ bool UssdRequest::send(const QString& code)
 
 bool UssdRequest::cancel()
 {
+    if (d->live)
+        return ModemAccess::runCall(d.data(), [&] { return cancel(); }, [this](const Failure& why) {
+            d->failure = why;
+            return false;
+        }, {QByteArray("+CUSD:")});
     d->failure = Failure();
     if (!d->modem->portOpen())
         return d->fail(Failure::NotOpen, tr("The modem's port is not open"));

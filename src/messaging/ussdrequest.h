@@ -10,6 +10,8 @@ class AtModem;
 
 namespace zelmodems {
 
+class Modem;
+
 class UssdRequestPrivate;
 
 /// One USSD request and the network's reply with its status (3GPP TS 27.007
@@ -33,6 +35,11 @@ class ZELMODEMSLIB_EXPORT UssdRequest
 
 public:
     explicit UssdRequest(AtModem* modem);
+    /// The same service on a live modem: each call runs on the modem's
+    /// thread in its turn in the queue (after the operations queued before
+    /// it), while the calling thread waits. Never call it from a slot of the
+    /// modem's thread. (Handlers set here are called on the modem's thread.)
+    explicit UssdRequest(Modem* modem);
     ~UssdRequest();
     UssdRequest(const UssdRequest&) = delete;
     UssdRequest& operator=(const UssdRequest&) = delete;

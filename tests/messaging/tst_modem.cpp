@@ -2,8 +2,11 @@
 // kind, and in the middle of another command's answer), errors with their
 // number, one operation at a time while a caller's timer asks for more,
 // cancelling, and a port that vanishes and comes back.
+#include "messagestore.h"
 #include "modem.h"
 #include "simfixture.h"
+#include "smssender.h"
+#include "ussdrequest.h"
 
 #include <QFutureWatcher>
 #include <QSignalSpy>
@@ -234,6 +237,37 @@ private slots:
         QCOMPARE(network.count(), 0);
         const QList<QByteArray> commands = sim.commands();
         QVERIFY(commands.lastIndexOf("+CSQ") > commands.lastIndexOf("+CUSD=1,\"*100#\",15"));
+    }
+
+    // The blocking services run on a live modem in its queue, and the reply
+    // a USSD request waits for is not also reported as a network message.
+    void blockingServicesOnALiveModem()
+    {
+        SimModem sim(Make::Huawei);
+        sim.setUssdReply("*100#", Ussd::plain("Balance 3.00"));
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        QSignalSpy network(&modem, &Modem::ussdReceived);
+        sim.storeSms(DeliverPdu::gsm7("+79161234567", zmltest::minutesAgo(3), "Stored"));
+        QList<zelmodems::StoredMessage> messages;
+        zelmodems::MessageStore store(&modem);
+        QVERIFY2(store.listMessages(messages), qPrintable(store.failure().text()));
+        QCOMPARE(messages.size(), 1);
+        QCOMPARE(messages.at(0).text(), QStringLiteral("Stored"));
+        QVERIFY(store.remove(messages.at(0).indexes()));
+        QVERIFY(sim.storedSms().isEmpty());
+        zelmodems::UssdRequest ussd(&modem);
+        QVERIFY2(ussd.send("*100#"), qPrintable(ussd.failure().text()));
+        QCOMPARE(ussd.text(), QStringLiteral("Balance 3.00"));
+        zelmodems::SmsSender sender(&modem);
+        QVERIFY2(sender.send("+79161234567", "Hi"), qPrintable(sender.failure().text()));
+        QCOMPARE(sender.references().size(), 1);
+        QTest::qWait(150);
+        QCOMPARE(network.count(), 0);
+        sim.vanish();
+        QTRY_VERIFY(!modem.isOpen());
+        QVERIFY(!store.listMessages(messages));
+        QCOMPARE(store.failure().code(), Failure::Gone);
     }
 
     // A queued operation cancelled never runs; a USSD request cancelled
