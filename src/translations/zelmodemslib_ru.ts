@@ -1263,6 +1263,10 @@
 <context>
     <name>zelmodems::LineChannel</name>
     <message>
+        <source>cancelled</source>
+        <translation>отменено</translation>
+    </message>
+    <message>
         <source>the modem waits for message text</source>
         <translation>модем ждёт текст сообщения</translation>
     </message>
@@ -1357,6 +1361,318 @@
     <message>
         <source>the modem gave no IMSI: %1</source>
         <translation>модем не сообщил IMSI: %1</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::ModemError</name>
+    <message>
+        <source>phone failure</source>
+        <translation>сбой телефона</translation>
+    </message>
+    <message>
+        <source>no connection to phone</source>
+        <translation>нет связи с телефоном</translation>
+    </message>
+    <message>
+        <source>phone-adaptor link reserved</source>
+        <translation>канал адаптера телефона занят</translation>
+    </message>
+    <message>
+        <source>operation not allowed</source>
+        <translation>операция не разрешена</translation>
+    </message>
+    <message>
+        <source>operation not supported</source>
+        <translation>операция не поддерживается</translation>
+    </message>
+    <message>
+        <source>PH-SIM PIN required</source>
+        <translation>нужен PIN PH-SIM</translation>
+    </message>
+    <message>
+        <source>PH-FSIM PIN required</source>
+        <translation>нужен PIN PH-FSIM</translation>
+    </message>
+    <message>
+        <source>PH-FSIM PUK required</source>
+        <translation>нужен PUK PH-FSIM</translation>
+    </message>
+    <message>
+        <source>SIM not inserted</source>
+        <translation>SIM-карта не вставлена</translation>
+    </message>
+    <message>
+        <source>SIM PIN required</source>
+        <translation>нужен PIN SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM PUK required</source>
+        <translation>нужен PUK SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM failure</source>
+        <translation>сбой SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM busy</source>
+        <translation>SIM-карта занята</translation>
+    </message>
+    <message>
+        <source>SIM wrong</source>
+        <translation>неподходящая SIM-карта</translation>
+    </message>
+    <message>
+        <source>incorrect password</source>
+        <translation>неверный пароль</translation>
+    </message>
+    <message>
+        <source>SIM PIN2 required</source>
+        <translation>нужен PIN2 SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM PUK2 required</source>
+        <translation>нужен PUK2 SIM-карты</translation>
+    </message>
+    <message>
+        <source>memory full</source>
+        <translation>память заполнена</translation>
+    </message>
+    <message>
+        <source>invalid index</source>
+        <translation>неверный индекс</translation>
+    </message>
+    <message>
+        <source>not found</source>
+        <translation>не найдено</translation>
+    </message>
+    <message>
+        <source>memory failure</source>
+        <translation>сбой памяти</translation>
+    </message>
+    <message>
+        <source>text string too long</source>
+        <translation>слишком длинная текстовая строка</translation>
+    </message>
+    <message>
+        <source>invalid characters in text string</source>
+        <translation>недопустимые символы в текстовой строке</translation>
+    </message>
+    <message>
+        <source>dial string too long</source>
+        <translation>слишком длинная строка набора</translation>
+    </message>
+    <message>
+        <source>invalid characters in dial string</source>
+        <translation>недопустимые символы в строке набора</translation>
+    </message>
+    <message>
+        <source>no network service</source>
+        <translation>нет обслуживания сетью</translation>
+    </message>
+    <message>
+        <source>network timeout</source>
+        <translation>сеть не ответила вовремя</translation>
+    </message>
+    <message>
+        <source>network not allowed, emergency calls only</source>
+        <translation>сеть не разрешена, только экстренные вызовы</translation>
+    </message>
+    <message>
+        <source>network personalisation PIN required</source>
+        <translation>нужен PIN персонализации сети</translation>
+    </message>
+    <message>
+        <source>network personalisation PUK required</source>
+        <translation>нужен PUK персонализации сети</translation>
+    </message>
+    <message>
+        <source>network subset personalisation PIN required</source>
+        <translation>нужен PIN персонализации подмножества сети</translation>
+    </message>
+    <message>
+        <source>network subset personalisation PUK required</source>
+        <translation>нужен PUK персонализации подмножества сети</translation>
+    </message>
+    <message>
+        <source>service provider personalisation PIN required</source>
+        <translation>нужен PIN персонализации поставщика услуг</translation>
+    </message>
+    <message>
+        <source>service provider personalisation PUK required</source>
+        <translation>нужен PUK персонализации поставщика услуг</translation>
+    </message>
+    <message>
+        <source>corporate personalisation PIN required</source>
+        <translation>нужен корпоративный PIN персонализации</translation>
+    </message>
+    <message>
+        <source>corporate personalisation PUK required</source>
+        <translation>нужен корпоративный PUK персонализации</translation>
+    </message>
+    <message>
+        <source>hidden key required</source>
+        <translation>нужен скрытый ключ</translation>
+    </message>
+    <message>
+        <source>EAP method not supported</source>
+        <translation>метод EAP не поддерживается</translation>
+    </message>
+    <message>
+        <source>incorrect parameters</source>
+        <translation>неверные параметры</translation>
+    </message>
+    <message>
+        <source>unknown error</source>
+        <translation>неизвестная ошибка</translation>
+    </message>
+    <message>
+        <source>illegal MS</source>
+        <translation>недопустимая мобильная станция</translation>
+    </message>
+    <message>
+        <source>illegal ME</source>
+        <translation>недопустимое оборудование</translation>
+    </message>
+    <message>
+        <source>GPRS services not allowed</source>
+        <translation>услуги GPRS не разрешены</translation>
+    </message>
+    <message>
+        <source>PLMN not allowed</source>
+        <translation>сеть PLMN не разрешена</translation>
+    </message>
+    <message>
+        <source>location area not allowed</source>
+        <translation>зона местоположения не разрешена</translation>
+    </message>
+    <message>
+        <source>roaming not allowed in this location area</source>
+        <translation>роуминг в этой зоне не разрешён</translation>
+    </message>
+    <message>
+        <source>service option not supported</source>
+        <translation>вариант услуги не поддерживается</translation>
+    </message>
+    <message>
+        <source>requested service option not subscribed</source>
+        <translation>запрошенный вариант услуги не подключён</translation>
+    </message>
+    <message>
+        <source>service option temporarily out of order</source>
+        <translation>вариант услуги временно не работает</translation>
+    </message>
+    <message>
+        <source>unspecified GPRS error</source>
+        <translation>неуточнённая ошибка GPRS</translation>
+    </message>
+    <message>
+        <source>PDP authentication failure</source>
+        <translation>ошибка аутентификации PDP</translation>
+    </message>
+    <message>
+        <source>invalid mobile class</source>
+        <translation>недопустимый класс мобильной станции</translation>
+    </message>
+    <message>
+        <source>manufacturer specific</source>
+        <translation>код производителя</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::ModemWatcher</name>
+    <message>
+        <source>cannot watch the system&apos;s devices (no udev monitor here, as in a container): give the ports to watch, or a folder of links</source>
+        <translation>не удаётся следить за устройствами системы (здесь нет монитора udev, как в контейнере): укажите порты или папку со ссылками</translation>
+    </message>
+    <message>
+        <source>no folder %1 to watch</source>
+        <translation>нет папки %1 для наблюдения</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::ModemWorker</name>
+    <message>
+        <source>no answer to AT</source>
+        <translation>нет ответа на AT</translation>
+    </message>
+    <message>
+        <source>No modem answers on %1: %2</source>
+        <translation>На %1 не отвечает модем: %2</translation>
+    </message>
+    <message>
+        <source>The modem is not open</source>
+        <translation>Модем не открыт</translation>
+    </message>
+    <message>
+        <source>The modem is gone (unplugged or reset); open it again when it returns</source>
+        <translation>Модем пропал (отключён или перезапущен); откройте его снова, когда он вернётся</translation>
+    </message>
+    <message>
+        <source>The modem was closed before this was done</source>
+        <translation>Модем закрыт раньше, чем это было сделано</translation>
+    </message>
+    <message>
+        <source>Cancelled before it began</source>
+        <translation>Отменено до начала</translation>
+    </message>
+    <message>
+        <source>a command may not hold a line end, Ctrl-Z or ESC</source>
+        <translation>команда не может содержать конец строки, Ctrl-Z или ESC</translation>
+    </message>
+    <message>
+        <source>Refused, nothing sent: %1</source>
+        <translation>Отказано, ничего не отправлено: %1</translation>
+    </message>
+    <message>
+        <source>AT%1: %2</source>
+        <translation>AT%1: %2</translation>
+    </message>
+    <message>
+        <source>Cancelled; the USSD session was ended</source>
+        <translation>Отменено; сеанс USSD завершён</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::Registration</name>
+    <message>
+        <source>no report</source>
+        <translation>нет сообщения</translation>
+    </message>
+    <message>
+        <source>not registered</source>
+        <translation>не зарегистрирован</translation>
+    </message>
+    <message>
+        <source>registered, home network</source>
+        <translation>зарегистрирован, домашняя сеть</translation>
+    </message>
+    <message>
+        <source>searching for a network</source>
+        <translation>поиск сети</translation>
+    </message>
+    <message>
+        <source>registration denied</source>
+        <translation>в регистрации отказано</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>неизвестно</translation>
+    </message>
+    <message>
+        <source>registered, roaming</source>
+        <translation>зарегистрирован, роуминг</translation>
+    </message>
+    <message>
+        <source>registered for SMS only, home network</source>
+        <translation>зарегистрирован только для SMS, домашняя сеть</translation>
+    </message>
+    <message>
+        <source>registered for SMS only, roaming</source>
+        <translation>зарегистрирован только для SMS, роуминг</translation>
+    </message>
+    <message>
+        <source>emergency calls only</source>
+        <translation>только экстренные вызовы</translation>
     </message>
 </context>
 </TS>

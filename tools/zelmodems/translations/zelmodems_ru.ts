@@ -4,6 +4,107 @@
 <context>
     <name>Tool</name>
     <message>
+        <source>from %1: %2</source>
+        <translation>от %1: %2</translation>
+    </message>
+    <message>
+        <source> (stored at %1)</source>
+        <translation> (сохранено под номером %1)</translation>
+    </message>
+    <message>
+        <source>message %1 to %2: status %3</source>
+        <translation>сообщение %1 для %2: состояние %3</translation>
+    </message>
+    <message>
+        <source> (a menu: answer with zelmodems ussd)</source>
+        <translation> (меню: ответьте командой zelmodems ussd)</translation>
+    </message>
+    <message>
+        <source>, area %1, cell %2</source>
+        <translation>, зона %1, сота %2</translation>
+    </message>
+    <message>
+        <source>incoming call</source>
+        <translation>входящий вызов</translation>
+    </message>
+    <message>
+        <source>the port went away (unplugged or reset); waiting for it to return</source>
+        <translation>порт пропал (отключён или перезапущен); ждём его возвращения</translation>
+    </message>
+    <message>
+        <source>Prints the modems&apos; events as they happen (new messages, delivery reports,
+network USSD, registration, signal, calls, the port going and returning),
+one a line: time, port, event, details. Without ports it watches every
+serial modem present and every one plugged in later. Runs until Ctrl-C.</source>
+        <translation>Печатает события модемов по мере их появления (новые сообщения, отчёты о
+доставке, USSD от сети, регистрация, сигнал, вызовы, пропажа и возвращение
+порта), по одному в строке: время, порт, событие, подробности. Без портов
+следит за всеми последовательными модемами, имеющимися и подключёнными
+позже. Работает до Ctrl-C.</translation>
+    </message>
+    <message>
+        <source>Ports to watch (device paths or bare names).</source>
+        <translation>Порты для наблюдения (пути устройств или имена).</translation>
+    </message>
+    <message>
+        <source>Watch a folder of links to serial devices (as made by modemsim --link-dir) instead of the system&apos;s.</source>
+        <translation>Следить за папкой ссылок на последовательные устройства (как их делает modemsim --link-dir) вместо устройств системы.</translation>
+    </message>
+    <message>
+        <source>Read the signal every this many seconds (default: only when the modem reports it).</source>
+        <translation>Читать сигнал каждые столько секунд (по умолчанию: только когда модем сообщает его сам).</translation>
+    </message>
+    <message>
+        <source>--baud takes a line speed and --poll-signal a number of seconds</source>
+        <translation>--baud принимает скорость линии, а --poll-signal — число секунд</translation>
+    </message>
+    <message>
+        <source>none of the ports is there yet: waiting for it</source>
+        <translation>ни одного из портов пока нет: ждём</translation>
+    </message>
+    <message>
+        <source>The network&apos;s menu waited for an answer; it was closed (AT+CUSD=2).</source>
+        <translation>Меню сети ждало ответа; оно закрыто (AT+CUSD=2).</translation>
+    </message>
+    <message>
+        <source>The network&apos;s menu waited for an answer; closing it failed: %1</source>
+        <translation>Меню сети ждало ответа; закрыть его не удалось: %1</translation>
+    </message>
+    <message>
+        <source>Sends a USSD code and prints the network&apos;s reply (awaited up to about
+20 s). Codes are written as on a phone: *100#. When the reply is a menu
+that waits for an answer, the answer is asked for on a terminal, or taken
+from --reply; a menu left without an answer is closed, and that is said.</source>
+        <translation>Отправляет код USSD и печатает ответ сети (ожидание до 20 с). Коды
+пишутся как на телефоне: *100#. Если ответ — меню, ждущее ответа, ответ
+спрашивается в терминале или берётся из --reply; меню, оставленное без
+ответа, закрывается, и об этом сообщается.</translation>
+    </message>
+    <message>
+        <source>An answer to the network&apos;s menu, in order (repeat it: --reply 1 --reply 3).</source>
+        <translation>Ответ на меню сети, по порядку (повторяйте: --reply 1 --reply 3).</translation>
+    </message>
+    <message>
+        <source>Reply:</source>
+        <translation>Ответ:</translation>
+    </message>
+    <message>
+        <source>Answer (an empty line closes the menu): </source>
+        <translation>Ваш ответ (пустая строка закрывает меню): </translation>
+    </message>
+    <message>
+        <source>Answer</source>
+        <translation>Ваш ответ</translation>
+    </message>
+    <message>
+        <source>The session ended before these answers were used: %1</source>
+        <translation>Сеанс завершился раньше, чем были использованы эти ответы: %1</translation>
+    </message>
+    <message>
+        <source>print the modems&apos; events as they happen, until Ctrl-C</source>
+        <translation>печатать события модемов по мере их появления, до Ctrl-C</translation>
+    </message>
+    <message>
         <source>Show this help.</source>
         <translation>Показать эту справку.</translation>
     </message>
