@@ -59,7 +59,7 @@ check_control() {
             || fail "$p: depends on $name, which is no installed package"
     done
 }
-check_control "$runtime" libs libqt5core5a libqt5serialport5 libstdc++6 libc6
+check_control "$runtime" libs libqt5core5a libqt5serialport5 libudev1 libstdc++6 libc6
 check_control "$simulator" libs libqt5core5a libstdc++6
 check_control "$devel" libdevel "$runtime (= $version)" "$simulator (= $version)" qtbase5-dev libqt5serialport5-dev
 check_control "$tools" utils "$runtime (= $version)" "$simulator (= $version)" libqt5core5a
