@@ -157,6 +157,27 @@ private slots:
             QCOMPARE(ussd.count(), 0);
     }
 
+    // A modem that does not report its level is read at the period set,
+    // and a reading that did not change is not reported again.
+    void signalByPolling()
+    {
+        SimModem sim(Make::SimCom);
+        sim.setAnswer("+CSQ", "+CSQ: 5,99");
+        Modem modem;
+        QVERIFY(openOn(sim, modem));
+        QSignalSpy signal(&modem, &Modem::signalChanged);
+        QTest::qWait(150);
+        QCOMPARE(signal.count(), 0);   // nothing without a period
+        modem.setSignalPollInterval(40);
+        QTRY_COMPARE(signal.count(), 1);
+        QCOMPARE(signal.at(0).at(0).value<zelmodems::SignalQuality>().rssi(), 5);
+        QTest::qWait(200);
+        QCOMPARE(signal.count(), 1);
+        sim.setAnswer("+CSQ", "+CSQ: 21,99");
+        QTRY_COMPARE(signal.count(), 2);
+        QCOMPARE(signal.at(1).at(0).value<zelmodems::SignalQuality>().rssi(), 21);
+    }
+
     // Unsolicited codes in the middle of an answer go to their listeners
     // and stay out of the answer.
     void unsolicitedInsideAnswer()

@@ -198,8 +198,10 @@ Report watch(const QStringList& args)
         report.fail(watcher.failure());
         return report;
     }
-    if (!ports.isEmpty() && watcher.ports().isEmpty())
-        printer.print(QString(), QStringLiteral("waiting"), Tool::tr("none of the ports is there yet: waiting for it"));
+    if (watcher.ports().isEmpty())
+        printer.print(QString(), QStringLiteral("waiting"),
+                      ports.isEmpty() ? Tool::tr("no serial modem yet: waiting for one to be plugged in")
+                                      : Tool::tr("none of the ports is there yet: waiting for it"));
     QEventLoop loop;
     loop.exec();   // until Ctrl-C ends the tool
     report.setPrinted();

@@ -4,6 +4,10 @@
 <context>
     <name>Tool</name>
     <message>
+        <source>no serial modem yet: waiting for one to be plugged in</source>
+        <translation>последовательных модемов пока нет: ждём подключения</translation>
+    </message>
+    <message>
         <source>from %1: %2</source>
         <translation>от %1: %2</translation>
     </message>
