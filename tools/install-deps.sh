@@ -21,6 +21,9 @@ packages=(
     wvdial
     # Packaging checks.
     dpkg-dev file
+    # script(1), which gives the tool a terminal in the tests of its
+    # interactive prompts (in bsdutils or bsdextrautils, by release).
+    bsdutils bsdextrautils
 )
 for option in "$@"; do
     case "$option" in

@@ -6,6 +6,9 @@
 #include "linechannel_p.h"
 #include "livechannel_p.h"
 #include "messagestore.h"
+#include "portlock.h"
+
+#include <QFileInfo>
 
 #include <QTimer>
 
@@ -66,11 +69,18 @@ Failure ModemWorker::open(const QString& portName, qint32 baudRate)
 {
     close();
     m_gone = false;
+    if (!QFileInfo::exists(portName))
+        return Failure(Failure::NotFound, tr("There is no %1: check the name, or plug the modem in").arg(portName));
     m_modem = new AtModem(this);
     if (!m_modem->open(portName, baudRate, 1)) {
         const QString why = m_modem->lastError().isEmpty() ? tr("no answer to AT") : m_modem->lastError();
         delete m_modem;
         m_modem = nullptr;
+        // A port someone else holds (another program, or another part of
+        // this one) was not touched: say who holds it.
+        const PortLock lock = PortLock::of(portName);
+        if (lock.isHeld())
+            return Failure(Failure::Busy, tr("%1 is in use by %2; stop that program first").arg(portName, lock.holder()));
         return Failure(Failure::NoAnswer, tr("No modem answers on %1: %2").arg(portName, why));
     }
     m_live = new LiveChannel(m_modem);

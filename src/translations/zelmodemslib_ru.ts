@@ -1592,6 +1592,14 @@
 <context>
     <name>zelmodems::ModemWorker</name>
     <message>
+        <source>There is no %1: check the name, or plug the modem in</source>
+        <translation>Нет %1: проверьте имя или подключите модем</translation>
+    </message>
+    <message>
+        <source>%1 is in use by %2; stop that program first</source>
+        <translation>%1 занят: %2; сначала остановите эту программу</translation>
+    </message>
+    <message>
         <source>no answer to AT</source>
         <translation>нет ответа на AT</translation>
     </message>

@@ -99,6 +99,36 @@ private slots:
         QVERIFY(!modem->commands().contains("+CUSD=2"));
     }
 
+    // On a terminal the menu is shown and the answer asked for.
+    void ussdMenuOnATerminal()
+    {
+        auto modem = clitest::startModem(Make::Huawei);
+        QVERIFY(modem);
+        modem->setUssdReply("*111#", Ussd::plain("1 Balance 2 Exit", 15, 1));
+        modem->setUssdReply("1", Ussd::plain("Balance 5 USD"));
+        // script(1) runs the tool with a pseudo-terminal as its input and output.
+        QProcess terminal;
+        terminal.setProcessEnvironment(clitest::environment());
+        terminal.start(QStringLiteral("script"),
+                       {"-qec", QStringLiteral("%1 ussd %2 '*111#'").arg(ZELMODEMS_PATH, modem->devicePath()),
+                        "/dev/null"});
+        QVERIFY(terminal.waitForStarted(10000));
+        QByteArray seen;
+        QElapsedTimer clock;
+        clock.start();
+        while (!seen.contains("closes the menu") && clock.elapsed() < 10000) {
+            terminal.waitForReadyRead(100);
+            seen += terminal.readAllStandardOutput();
+        }
+        QVERIFY2(seen.contains("Reply: 1 Balance 2 Exit"), seen.constData());
+        terminal.write("1\n");
+        QVERIFY(terminal.waitForFinished(15000));
+        seen += terminal.readAllStandardOutput();
+        QVERIFY2(seen.contains("Balance 5 USD"), seen.constData());
+        QCOMPARE(terminal.exitCode(), 0);
+        QCOMPARE(modem->ussdRequests(), (QList<QByteArray>{"*111#", "1"}));
+    }
+
     // zelmodems watch shows each event within a second of its happening.
     void watchShowsEvents()
     {

@@ -9,6 +9,7 @@
 #include "ussdrequest.h"
 
 #include <QFutureWatcher>
+#include <QSerialPort>
 #include <QSignalSpy>
 
 using zelmodems::Failure;
@@ -176,6 +177,26 @@ private slots:
         sim.setAnswer("+CSQ", "+CSQ: 21,99");
         QTRY_COMPARE(signal.count(), 2);
         QCOMPARE(signal.at(1).at(0).value<zelmodems::SignalQuality>().rssi(), 21);
+    }
+
+    // A port that is not there, or that another program holds, is refused
+    // with the reason, and the holder's port is left alone.
+    void openRefusals()
+    {
+        Modem modem;
+        QVERIFY(!modem.open(QStringLiteral("/nonexistent/ttyUSB9")));
+        QCOMPARE(modem.failure().code(), Failure::NotFound);
+        SimModem sim(Make::Huawei);
+        QVERIFY(sim.start());
+        QVERIFY(zmltest::giveOwnLink(sim));
+        QSerialPort holder(sim.devicePath());
+        QVERIFY(holder.open(QIODevice::ReadWrite));
+        QVERIFY(!modem.open(sim.devicePath()));
+        QCOMPARE(modem.failure().code(), Failure::Busy);
+        QVERIFY2(modem.failure().text().contains(QStringLiteral("pid %1").arg(QCoreApplication::applicationPid())),
+                 qPrintable(modem.failure().text()));
+        QVERIFY(sim.commands().isEmpty());
+        QVERIFY(!modem.isOpen());
     }
 
     // Unsolicited codes in the middle of an answer go to their listeners
