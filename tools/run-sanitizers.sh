@@ -2,7 +2,7 @@
 # Builds the project with the sanitizers and runs the tests under them:
 #   asan  AddressSanitizer + UndefinedBehaviorSanitizer, the whole test suite
 #         (build-asan/, the "asan" preset);
-#   tsan  ThreadSanitizer, the discovery, loader, settings and fault tests
+#   tsan  ThreadSanitizer, the discovery, loader, live modem, settings and fault tests
 #         (build-tsan/, the "tsan" preset; QMutex made visible to the
 #         sanitizer by a preloaded shim, Qt-internal hand-offs suppressed:
 #         cmake/sanitizers/).
