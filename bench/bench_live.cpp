@@ -39,7 +39,7 @@ namespace {
 
 int idleSeconds = 10;
 int latencySamples = 500;
-int floodSeconds = 3;
+int floodSeconds = 10;
 
 void waitMs(int ms)
 {
