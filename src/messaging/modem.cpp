@@ -16,10 +16,10 @@
 #include <QThread>
 
 #include <deque>
-#include <tuple>
-#include <type_traits>
 #include <future>
 #include <mutex>
+#include <tuple>
+#include <type_traits>
 
 namespace zelmodems {
 
