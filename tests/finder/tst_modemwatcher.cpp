@@ -56,6 +56,14 @@ private slots:
         QVERIFY(modem->readSignal().result().ok());
     }
 
+    void missingFolderIsRefused()
+    {
+        ModemWatcher watcher;
+        watcher.setFolder(QStringLiteral("/nonexistent/modems"));
+        QVERIFY(!watcher.start());
+        QCOMPARE(watcher.failure().code(), zelmodems::Failure::NotFound);
+    }
+
     void briefFlickerIsDebounced()
     {
         QTemporaryDir folder;

@@ -84,6 +84,8 @@ private slots:
                                            << "1: 1 Balance 2 Exit";
         QTest::newRow("signal (^RSSI)") << "signal" << QByteArray(SIGNAL(signalChanged(zelmodems::SignalQuality)))
                                         << "17/99";
+        QTest::newRow("signal (^HCSQ, -70 dBm)") << "hcsq" << QByteArray(SIGNAL(signalChanged(zelmodems::SignalQuality)))
+                                                 << "22/99";
         QTest::newRow("caller (+CLIP)") << "ring" << QByteArray(SIGNAL(callerIdentified(QString)))
                                         << "+79161234567";
         QTest::newRow("unknown code, passed on raw") << "unknown" << QByteArray(SIGNAL(unsolicited(QByteArray, QByteArray)))
@@ -121,6 +123,8 @@ private slots:
             sim.sendNetworkUssd(Ussd::plain("1 Balance 2 Exit", 15, 1));
         } else if (event == QLatin1String("signal")) {
             sim.setSignal(17);
+        } else if (event == QLatin1String("hcsq")) {
+            sim.sendUnsolicited("\r\n^HCSQ: \"LTE\",50,40,120,20\r\n");
         } else if (event == QLatin1String("ring")) {
             sim.ring("+79161234567");
         } else {
@@ -177,6 +181,12 @@ private slots:
         sim.setAnswer("+CSQ", "+CSQ: 21,99");
         QTRY_COMPARE(signal.count(), 2);
         QCOMPARE(signal.at(1).at(0).value<zelmodems::SignalQuality>().rssi(), 21);
+        // 0 ends the polling.
+        modem.setSignalPollInterval(0);
+        QTest::qWait(100);
+        sim.setAnswer("+CSQ", "+CSQ: 9,99");
+        QTest::qWait(200);
+        QCOMPARE(signal.count(), 2);
     }
 
     // A port that is not there, or that another program holds, is refused
@@ -197,6 +207,34 @@ private slots:
                  qPrintable(modem.failure().text()));
         QVERIFY(sim.commands().isEmpty());
         QVERIFY(!modem.isOpen());
+    }
+
+    // Registration reports in the forms modems write them.
+    void registrationForms_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("answer");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("short report") << QByteArray("+CREG: 1") << false << "CREG home   -1";
+        QTest::newRow("roaming with place") << QByteArray("+CREG: 5,\"00ab\",\"0000CDEF\",2") << false
+                                            << "CREG roaming 00AB 0000CDEF 2";
+        QTest::newRow("EPS, no space") << QByteArray("+CEREG:1,\"1A2B\",\"01C3D4E5\",7") << false
+                                       << "CEREG home 1A2B 01C3D4E5 7";
+        QTest::newRow("answer with n") << QByteArray("+CREG: 2,1,\"1A2B\",\"01C3D4E5\",7") << true
+                                       << "CREG home 1A2B 01C3D4E5 7";
+        QTest::newRow("GPRS answer, denied") << QByteArray("+CGREG: 0,3") << true << "CGREG denied   -1";
+        QTest::newRow("no such state") << QByteArray("+CREG: 9") << false << "CREG none   -1";
+    }
+    void registrationForms()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(bool, answer);
+        QFETCH(QString, expected);
+        const Registration r = answer ? Registration::fromAnswer(line) : Registration::fromUnsolicited(line);
+        QCOMPARE(QStringLiteral("%1 %2 %3 %4 %5")
+                     .arg(Registration::domainName(r.domain()), Registration::stateName(r.state()), r.area(), r.cell())
+                     .arg(r.accessTechnology()),
+                 expected);
     }
 
     // Unsolicited codes in the middle of an answer go to their listeners
