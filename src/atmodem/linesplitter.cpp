@@ -19,10 +19,9 @@ bool LineSplitter::takeLine(QByteArray& line)
         int start = 0;
         while (start < m_pending.size() && isBreak(m_pending.at(start)))
             ++start;
-        if (start > 0) {
-            m_pending.remove(0, start);
-            m_scanFrom = qMax(0, m_scanFrom - start);
-        }
+        // (Only the start of a line is scanned ahead of: m_scanFrom is 0
+        // whenever line breaks lead the held bytes.)
+        m_pending.remove(0, start);
         if (m_pending.isEmpty())
             return false;
         // Only a +CUSD line's text may hold line breaks: the line ends where

@@ -86,6 +86,8 @@ private slots:
                                         << "17/99";
         QTest::newRow("signal (^HCSQ, -70 dBm)") << "hcsq" << QByteArray(SIGNAL(signalChanged(zelmodems::SignalQuality)))
                                                  << "22/99";
+        QTest::newRow("signal (^HCSQ, strongest)") << "hcsq-max" << QByteArray(SIGNAL(signalChanged(zelmodems::SignalQuality)))
+                                                   << "31/99";
         QTest::newRow("caller (+CLIP)") << "ring" << QByteArray(SIGNAL(callerIdentified(QString)))
                                         << "+79161234567";
         QTest::newRow("unknown code, passed on raw") << "unknown" << QByteArray(SIGNAL(unsolicited(QByteArray, QByteArray)))
@@ -125,6 +127,8 @@ private slots:
             sim.setSignal(17);
         } else if (event == QLatin1String("hcsq")) {
             sim.sendUnsolicited("\r\n^HCSQ: \"LTE\",50,40,120,20\r\n");
+        } else if (event == QLatin1String("hcsq-max")) {
+            sim.sendUnsolicited("\r\n^HCSQ: \"LTE\",96,97,251,34\r\n");
         } else if (event == QLatin1String("ring")) {
             sim.ring("+79161234567");
         } else {
