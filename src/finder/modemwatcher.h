@@ -49,7 +49,9 @@ struct WatchedPort
 ///     if (!watcher.start())
 ///         qWarning() << watcher.failure().text();
 ///
-/// Lives on the thread that created it (which needs an event loop).
+/// Lives on the thread that created it (which needs an event loop). With
+/// setOpenModems, each modem is opened (identified) on that thread in turn,
+/// which takes up to about a second for a port that does not answer.
 class ZELMODEMSLIB_EXPORT ModemWatcher : public QObject
 {
     Q_OBJECT

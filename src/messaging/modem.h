@@ -89,8 +89,11 @@ public:
     /// Opens `portName`, identifies the modem and turns on its reports:
     /// numeric errors (+CMEE=1), PDU mode, new messages and delivery reports
     /// to the port (+CNMI), registration (+CREG=2, +CGREG=2, +CEREG=2) and
-    /// caller identification (+CLIP=1). A port another program holds is
-    /// refused. Blocks until done; false with failure().
+    /// caller identification (+CLIP=1); the modem keeps these settings until
+    /// it is reset, so a program that shares the modem later finds delivery
+    /// reports routed to the port rather than stored. A port another program
+    /// holds is refused (busy, with the holder). Blocks until done; false
+    /// with failure().
     bool open(const QString& portName, qint32 baudRate = 115200);
     /// Ends the queue (operations still queued end with "gone") and closes the port.
     void close();
