@@ -926,10 +926,25 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         return Reply::ok(profile.ati);
     if (key == "&V")
         return Reply::ok("ACTIVE PROFILE:\r\nE1 Q0 V1 X4 &C1 &D2 &F0\r\nS00:000 S03:013 S04:010 S05:008");
-    if (key == "+GMR")
+    if (key == "+GMR" || key == "+CGMR")
         return Reply::ok(profile.revision);
-    if (key == "+GSN")
+    if (key == "+GSN" || key == "+CGSN")
         return profile.imei.isEmpty() ? Reply::error() : Reply::ok(profile.imei);
+    if (key == "+GMI" || key == "+CGMI" || key == "+GMM" || key == "+CGMM") {
+        // The identification a generic client asks for one piece at a time:
+        // the "Manufacturer:" and "Model:" lines of ATI, or its first two
+        // lines where the make writes no labels.
+        const bool maker = key.endsWith("MI");
+        const QList<QByteArray> lines = profile.ati.split('\n');
+        for (QByteArray line : lines) {
+            line = line.trimmed();
+            const QByteArray label = maker ? "Manufacturer:" : "Model:";
+            if (line.startsWith(label))
+                return Reply::ok(line.mid(label.size()).trimmed());
+        }
+        const QByteArray plain = lines.value(maker ? 0 : 1).trimmed();
+        return plain.isEmpty() || plain.contains(':') ? Reply::error() : Reply::ok(plain);
+    }
     if (key == "+CIMI")
         return profile.imsi.isEmpty() ? Reply::error() : Reply::ok(profile.imsi);
     if (key == "+CFUN=1,1") {

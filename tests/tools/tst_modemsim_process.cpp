@@ -148,7 +148,10 @@ private slots:
         script.write("# no signal, USSD refused, one message\n"
                      "signal 99,99\n"
                      "ussd-status *100# 4\n"
-                     "sms +79161234567 Hello\n");
+                     "sms +79161234567 Hello\n"
+                     "error +CPIN? +CME ERROR: SIM PIN required\n"
+                     "answer +CGMR line one\\nline two\n"
+                     "answer +CSCS=\"UCS2\"\n");
         script.close();
         QProcess sim;
         const QString device = startSim(sim, {QStringLiteral("--make"), QStringLiteral("cinterion"),
@@ -165,6 +168,15 @@ private slots:
         QVERIFY(modem.sendCommand("+CMGF=0", answer, 1000));
         QVERIFY(modem.sendCommand("+CMGL=4", answer, 1000));
         QVERIFY2(answer.contains("+CMGL: 1,0,"), answer.constData());
+        QVERIFY(!modem.sendCommand("+CPIN?", answer, 1000));
+        QVERIFY2(answer.contains("+CME ERROR: SIM PIN required\r\n"), answer.constData());
+        QVERIFY(modem.sendCommand("+CGMR", answer, 1000));
+        QVERIFY2(answer.contains("\r\nline one\r\nline two\r\n"), answer.constData());
+        QVERIFY(modem.sendCommand("+CSCS=\"UCS2\"", answer, 1000));
+        QVERIFY(modem.sendCommand("+CGMI", answer, 1000));
+        QVERIFY2(answer.contains("\r\nCinterion\r\n"), answer.constData());
+        QVERIFY(modem.sendCommand("+CGMM", answer, 1000));
+        QVERIFY2(answer.contains("\r\nMC52i\r\n"), answer.constData());
         zelmodems::UssdRequest ussd(&modem);
         QVERIFY(!ussd.send(QStringLiteral("*100#")));
         QCOMPARE(ussd.status(), 4);

@@ -63,7 +63,10 @@ bool SimScript::add(const QString& statement, QString* error)
     if (p.word == QLatin1String("signal")) {
         if (!QRegularExpression(QStringLiteral("^\\d{1,2},\\d{1,2}$")).match(p.first).hasMatch() || !p.rest.isEmpty())
             return fail(QStringLiteral("signal takes rssi,ber (for example 20,99)"));
-    } else if (p.word == QLatin1String("ussd") || p.word == QLatin1String("sms") || p.word == QLatin1String("answer")) {
+    } else if (p.word == QLatin1String("answer")) {
+        if (p.first.isEmpty())
+            return fail(QStringLiteral("answer takes a command and its answer (none for a bare OK)"));
+    } else if (p.word == QLatin1String("ussd") || p.word == QLatin1String("sms")) {
         if (p.first.isEmpty() || p.rest.isEmpty())
             return fail(QStringLiteral("%1 takes a %2 and a text").arg(p.word, p.word == QLatin1String("sms")
                                                                                      ? QStringLiteral("sender")
@@ -78,7 +81,14 @@ bool SimScript::add(const QString& statement, QString* error)
         if (hex.isEmpty() || hex.size() % 2 || QByteArray::fromHex(hex).toHex().toUpper() != hex.toUpper() || !ok
             || stat < 0 || stat > 3)
             return fail(QStringLiteral("sms-pdu takes a PDU in hexadecimal and a status from 0 to 3"));
-    } else if (p.word == QLatin1String("error") || p.word == QLatin1String("silent")) {
+    } else if (p.word == QLatin1String("error")) {
+        const QString code = p.rest;
+        if (p.first.isEmpty()
+            || !(code.isEmpty() || code == QLatin1String("ERROR") || code.startsWith(QLatin1String("+CME ERROR: "))
+                 || code.startsWith(QLatin1String("+CMS ERROR: "))))
+            return fail(QStringLiteral("error takes one command, as after AT (+CSQ), and optionally the result "
+                                       "code: ERROR, +CME ERROR: <n or text>, +CMS ERROR: <n or text>"));
+    } else if (p.word == QLatin1String("silent")) {
         if (p.first.isEmpty() || !p.rest.isEmpty())
             return fail(QStringLiteral("%1 takes one command, as after AT (+CSQ)").arg(p.word));
     } else if (p.word == QLatin1String("latency") || p.word == QLatin1String("vanish-after")) {
@@ -193,9 +203,13 @@ void SimScript::applyOne(const QString& statement, SimModem& modem)
         } else if (p.word == QLatin1String("sms-pdu")) {
             modem.storeSms(first.toUpper(), p.rest.isEmpty() ? 1 : p.rest.toInt());
         } else if (p.word == QLatin1String("answer")) {
-            modem.setAnswer(first, p.rest.toUtf8());
+            // "\n" in the text starts a new line of the answer.
+            modem.setAnswer(first, p.rest.toUtf8().replace("\\n", "\r\n"));
         } else if (p.word == QLatin1String("error")) {
-            modem.setFault(first, Fault::Error);
+            if (p.rest.isEmpty())
+                modem.setFault(first, Fault::Error);
+            else
+                modem.setReply(first, Reply::raw("\r\n" + p.rest.toUtf8() + "\r\n"));
         } else if (p.word == QLatin1String("silent")) {
             modem.setFault(first, Fault::Silence);
         } else if (p.word == QLatin1String("latency")) {

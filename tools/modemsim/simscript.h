@@ -14,8 +14,10 @@
 //   ussd-status *100# 4 [text]      reply with that status (2 ended, 4 not supported)
 //   sms +79161234567 Hello          a received message in the SMS store
 //   sms-pdu 0791... [stat]          a stored PDU as given (stat 0 unread .. 3 sent)
-//   answer +CGMR Revision: 1.0      the answer body of a command
-//   error +COPS?                    "ERROR" for a command
+//   answer +CGMR Revision: 1.0      the answer body of a command ("\n" starts a
+//                                   new line; no body: a bare OK)
+//   error +COPS? [CODE]             "ERROR" for a command, or CODE: +CME ERROR: 10,
+//                                   +CME ERROR: SIM PIN required, +CMS ERROR: 321
 //   silent +CSQ                     no answer to a command
 //   latency 300                     pause before every answer, in ms
 //   vanish-after 12                 the device disappears after 12 commands
