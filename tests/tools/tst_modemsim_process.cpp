@@ -198,6 +198,24 @@ private slots:
         QVERIFY2(csq.hasMatch() && csq.captured(1).toLongLong() > 0, qPrintable(log));
     }
 
+    // "error +CUSD" refuses the request whatever its arguments (a Huawei
+    // sends the code packed).
+    void errorForEveryFormOfACommand()
+    {
+        QProcess sim;
+        const QString device = startSim(sim, {QStringLiteral("--make"), QStringLiteral("huawei"),
+                                              QStringLiteral("--set"), QStringLiteral("error +CUSD")});
+        QVERIFY(!device.isEmpty());
+        AtModem modem;
+        QVERIFY2(modem.open(device, 115200, 1), qPrintable(modem.lastError()));
+        zelmodems::UssdRequest ussd(&modem);
+        QVERIFY(!ussd.send(QStringLiteral("*100#")));
+        QCOMPARE(ussd.failure().code(), zelmodems::Failure::Refused);
+        modem.close();
+        sim.terminate();
+        QVERIFY(sim.waitForFinished(5000));
+    }
+
     void rejectsBadArguments()
     {
         const QList<QPair<QStringList, QByteArray>> cases = {

@@ -205,13 +205,20 @@ void SimScript::applyOne(const QString& statement, SimModem& modem)
         } else if (p.word == QLatin1String("answer")) {
             // "\n" in the text starts a new line of the answer.
             modem.setAnswer(first, p.rest.toUtf8().replace("\\n", "\r\n"));
-        } else if (p.word == QLatin1String("error")) {
-            if (p.rest.isEmpty())
-                modem.setFault(first, Fault::Error);
-            else
-                modem.setReply(first, Reply::raw("\r\n" + p.rest.toUtf8() + "\r\n"));
-        } else if (p.word == QLatin1String("silent")) {
-            modem.setFault(first, Fault::Silence);
+        } else if (p.word == QLatin1String("error") || p.word == QLatin1String("silent")) {
+            const Reply reply = p.word == QLatin1String("silent") ? Reply::none()
+                              : p.rest.isEmpty()                  ? Reply::error()
+                                                                  : Reply::raw("\r\n" + p.rest.toUtf8() + "\r\n");
+            // A command named without its arguments ("+CUSD") stands for
+            // every form of it: "+CUSD=1,"AA180C3602",15" and "+CUSD?" too.
+            const QByteArray name = first.toUpper();
+            const bool bare = !name.contains('=') && !name.contains('?');
+            modem.addHandler([name, bare, reply](const QByteArray& command) -> std::optional<Reply> {
+                const QByteArray asked = command.toUpper();
+                if (asked == name || (bare && (asked.startsWith(name + '=') || asked.startsWith(name + '?'))))
+                    return reply;
+                return std::nullopt;
+            });
         } else if (p.word == QLatin1String("latency")) {
             modem.setLatency(p.first.toInt());
         } else if (p.word == QLatin1String("vanish-after")) {
