@@ -242,6 +242,34 @@ private slots:
         }
     }
 
+    // Completion in bash: the words offered at the end of a command line.
+    void completion_data()
+    {
+        QTest::addColumn<QStringList>("words");
+        QTest::addColumn<QString>("offered");
+        QTest::newRow("a command after a global option and its value") << QStringList{"--baud", "9600", ""} << "find";
+        QTest::newRow("a subcommand after --json") << QStringList{"--json", "sms", ""} << "take";
+        QTest::newRow("ussd's answers") << QStringList{"ussd", "--r"} << "--reply";
+        QTest::newRow("watch's folder option") << QStringList{"watch", "--f"} << "--folder";
+    }
+    void completion()
+    {
+        QFETCH(QStringList, words);
+        QFETCH(QString, offered);
+        QStringList quoted;
+        for (const QString& word : words)
+            quoted << QLatin1Char('"') + word + QLatin1Char('"');
+        QProcess bash;
+        bash.start(QStringLiteral("bash"),
+                   {"-c", QStringLiteral("source '%1'; COMP_WORDS=(zelmodems %2); COMP_CWORD=%3; _zelmodems; "
+                                         "printf '%s\\n' \"${COMPREPLY[@]}\"")
+                              .arg(QStringLiteral(ZML_COMPLETION), quoted.join(QLatin1Char(' ')))
+                              .arg(words.size())});
+        QVERIFY(bash.waitForFinished(10000));
+        const QStringList got = QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'));
+        QVERIFY2(got.contains(offered), qPrintable(got.join(QLatin1Char(' ')) + bash.readAllStandardError()));
+    }
+
     void pduExplain_data()
     {
         QTest::addColumn<QStringList>("args");
