@@ -27,6 +27,9 @@ public:
     /// A number in `base`; -1 when it is not one or negative.
     static qlonglong parseNumber(const QString& text, int base);
 
+    /// An unused slot of the modem's list (area and cell zero, MCC and MNC
+    /// zero or not given), as Siemens modems fill their seven places: no cell.
+    bool isEmptySlot() const { return m_lac == 0 && m_cid == 0 && m_mcc <= 0 && m_mnc <= 0; }
     qlonglong mcc() const { return m_mcc; }
     qlonglong mnc() const { return m_mnc; }
     qlonglong cellId() const { return m_cid; }

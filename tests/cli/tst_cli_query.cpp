@@ -94,6 +94,8 @@ private slots:
         QCOMPARE(strongest.value("mcc").toInt(), 250);
         QCOMPARE(strongest.value("mnc").toInt(), 1);
         QCOMPARE(strongest.value("dbm").toArray(), QJsonArray{-68});
+        // Three cells; the list's unused slot (all zeros) is none.
+        QCOMPARE(cells.size(), 3);
 
         // SIMCOM: the packet-domain cell, without MCC and MNC.
         const clitest::Result simcom = run({"cells", "--json", port("simcom")});

@@ -193,11 +193,14 @@ QString cellRow(const zelmodems::CellRecord& cell)
              text(cell.rxlev()).leftJustified(6), levels.join(QLatin1Char(' ')));
 }
 
-// A cell-list string (records joined by ";") as JSON objects and table rows.
+// A cell-list string (records joined by ";") as JSON objects and table rows;
+// the modem's unused slots are no cells and are left out.
 QJsonArray cellList(const QString& list, QStringList* rows)
 {
     QJsonArray cells;
     for (const zelmodems::CellRecord& cell : zelmodems::CellRecord::parseList(list)) {
+        if (cell.isEmptySlot())
+            continue;
         cells.append(cellJson(cell));
         *rows << cellRow(cell);
     }
