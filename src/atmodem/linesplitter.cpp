@@ -1,6 +1,8 @@
 // Lines out of the modem's byte stream.
 #include "linesplitter_p.h"
 
+#include <cstring>
+
 namespace zelmodems {
 
 namespace {
@@ -26,7 +28,12 @@ bool LineSplitter::takeLine(QByteArray& line)
             return false;
         // Only a +CUSD line's text may hold line breaks: the line ends where
         // its quotes close.
-        const bool quotedText = m_pending.startsWith("+CUSD:") || m_pending.trimmed().startsWith("+CUSD:");
+        // (Blanks before it are looked past in place: trimming would copy
+        // all the held bytes once per line.)
+        int first = 0;
+        while (first < m_pending.size() && std::strchr(" \t\v\f\r\n", m_pending.at(first)) && m_pending.at(first))
+            ++first;
+        const bool quotedText = qstrncmp(m_pending.constData() + first, "+CUSD:", 6) == 0;
         int quotes = 0;
         if (quotedText) {
             for (int i = 0; i < m_scanFrom; ++i)
