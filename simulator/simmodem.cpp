@@ -71,6 +71,16 @@ struct SimModem::Private
     int cregMode = 0;                    // AT+CREG=<n>
     bool clip = false;                   // AT+CLIP=1
     QByteArray registration = "1,\"1A2B\",\"01C3D4E5\",7";   // <stat>,<lac>,<ci>,<AcT>
+    int cmee = 0;                        // AT+CMEE=<n>
+    SimState sim = SimState::Ready;
+    QByteArray pin = "1234";
+    QByteArray puk = "12345678";
+    int pinAttempts = 3;
+    int pukAttempts = 10;
+    int copsFormat = 0;                  // AT+COPS=3,<format>
+    QByteArray networkName = "MegaFon";
+    QByteArray networkNumeric;           // empty: the IMSI's first five digits
+    int storePlaces = 30;
 
     // Owned by the modem's thread.
     int master = -1;
@@ -97,6 +107,10 @@ struct SimModem::Private
     Reply builtin(const QByteArray& command);
     Reply ussd(const QByteArray& command);
     Reply listSms(const QByteArray& key);
+    Reply cmeError(int code) const;
+    std::optional<Reply> simGate(const QByteArray& key);
+    Reply simCommand(const QByteArray& key, const QByteArray& command);
+    int registrationState() const;
     int storeSms(const QByteArray& pdu, int status, int index);
     void schedule(int ms, std::function<void()> task);
     void whenQuiet(std::shared_ptr<std::atomic<bool>> quiet);
@@ -243,6 +257,46 @@ void SimModem::setRegistration(int state, const QByteArray& lac, const QByteArra
     }
     if (!report.isEmpty())
         sendUnsolicited("\r\n" + report + "\r\n");
+}
+
+void SimModem::setSim(SimState state, int pinAttempts, int pukAttempts)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->sim = state;
+    d->pinAttempts = pinAttempts;
+    d->pukAttempts = pukAttempts;
+}
+
+SimState SimModem::simState() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->sim;
+}
+
+void SimModem::setSimCodes(const QByteArray& pin, const QByteArray& puk)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->pin = pin;
+    d->puk = puk;
+}
+
+QByteArray SimModem::simPin() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->pin;
+}
+
+void SimModem::setNetwork(const QByteArray& name, const QByteArray& numeric)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->networkName = name;
+    d->networkNumeric = numeric;
+}
+
+void SimModem::setStoreSize(int places)
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    d->storePlaces = places;
 }
 
 void SimModem::sendNetworkUssd(const QByteArray& cusdLine)
@@ -879,6 +933,10 @@ std::optional<Reply> SimModem::Private::answer(const QByteArray& command, bool* 
         if (reply)
             break;
     }
+    if (!reply) {
+        std::lock_guard<std::mutex> lock(mutex);
+        reply = simGate(key);
+    }
     if (!reply && fixed)
         reply = fixed;
     if (!reply)
@@ -898,8 +956,24 @@ Reply SimModem::Private::builtin(const QByteArray& command)
 {
     const QByteArray key = upper(command);
     std::lock_guard<std::mutex> lock(mutex);
-    if (key.isEmpty() || key == "+COPS=3,0" || key == "+CGREG=2" || key == "+CFUN=1" || key == "Z")
+    if (key.isEmpty() || key == "+CGREG=2" || key == "+CFUN=1" || key == "Z")
         return Reply::ok();
+    if (key == "+COPS=3,0" || key == "+COPS=3,1" || key == "+COPS=3,2") {
+        copsFormat = key.right(1).toInt();
+        return Reply::ok();
+    }
+    if (key == "+COPS?") {
+        const int state = registrationState();
+        if (state != 1 && state != 5)
+            return Reply::ok("+COPS: 0");
+        const QByteArray numeric = networkNumeric.isEmpty() ? profile.imsi.left(5) : networkNumeric;
+        const QByteArray act = registration.mid(registration.lastIndexOf(',') + 1);
+        return Reply::ok("+COPS: 0," + QByteArray::number(copsFormat) + ",\""
+                         + (copsFormat == 2 ? numeric : networkName) + "\"," + act);
+    }
+    if (key.startsWith("+CPIN") || key.startsWith("+CPWD=") || key == "^CPIN?" || key == "+SPIC"
+        || key == "+ZPINPUK=?")
+        return simCommand(key, command);
     if (key == "+CREG=0" || key == "+CREG=1" || key == "+CREG=2") {
         cregMode = key.right(1).toInt();
         return Reply::ok();
@@ -910,8 +984,12 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         clip = key == "+CLIP=1";
         return Reply::ok();
     }
-    if (key == "+CMEE=0" || key == "+CMEE=1" || key == "+CMEE=2")
+    if (key == "+CMEE=0" || key == "+CMEE=1" || key == "+CMEE=2") {
+        cmee = key.right(1).toInt();
         return Reply::ok();
+    }
+    if (key == "+CMEE?")
+        return Reply::ok("+CMEE: " + QByteArray::number(cmee));
     if (key == "+++")
         return Reply::ok();
     if (key == "E0" || key == "E" || key == "E1") {
@@ -977,7 +1055,9 @@ Reply SimModem::Private::builtin(const QByteArray& command)
     }
     if (key == "+CPMS?") {
         const QByteArray used = QByteArray::number(sms.size());
-        return Reply::ok("+CPMS: \"SM\"," + used + ",30,\"SM\"," + used + ",30,\"SM\"," + used + ",30");
+        const QByteArray places = QByteArray::number(storePlaces);
+        const QByteArray one = "\"SM\"," + used + "," + places;
+        return Reply::ok("+CPMS: " + one + "," + one + "," + one);
     }
     if (key.startsWith("+CMGR=")) {
         bool ok = false;
@@ -1009,6 +1089,155 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         Reply prompt = Reply::raw("\r\n> ");
         prompt.delayMs = promptDelayMs;
         return prompt;
+    }
+    return Reply::error();
+}
+
+// The SIM's refusal: a bare ERROR until the client turns numbered errors
+// on (AT+CMEE=1), then by number, or in words with AT+CMEE=2.
+Reply SimModem::Private::cmeError(int code) const
+{
+    if (cmee == 0)
+        return Reply::error();
+    if (cmee == 1)
+        return Reply::raw("\r\n+CME ERROR: " + QByteArray::number(code) + "\r\n");
+    static const QMap<int, QByteArray> WORDS = {
+        {3, "operation not allowed"}, {4, "operation not supported"}, {10, "SIM not inserted"},
+        {11, "SIM PIN required"},     {12, "SIM PUK required"},       {13, "SIM failure"},
+        {16, "incorrect password"}};
+    return Reply::raw("\r\n+CME ERROR: " + WORDS.value(code, QByteArray::number(code)) + "\r\n");
+}
+
+// <stat> of the registration now: none while the SIM is not ready.
+int SimModem::Private::registrationState() const
+{
+    if (sim != SimState::Ready)
+        return 0;
+    return registration.left(registration.indexOf(',')).toInt();
+}
+
+// Commands that need a ready SIM get its error while it is not; the
+// registration and the network are then none. Called with the mutex held.
+std::optional<Reply> SimModem::Private::simGate(const QByteArray& key)
+{
+    if (sim == SimState::Ready)
+        return std::nullopt;
+    if (key == "+CREG?")
+        return Reply::ok("+CREG: " + QByteArray::number(cregMode) + ",0");
+    if (key == "+COPS?")
+        return Reply::ok("+COPS: 0");
+    static const char* const NEEDS_SIM[] = {"+CIMI", "+CUSD=", "+CMGL", "+CMGR=", "+CMGD=", "+CMGS=", "+CPMS",
+                                            "^ICCID", "^SCID", "+CRSM", "+CNUM", "+CSCA"};
+    for (const char* prefix : NEEDS_SIM) {
+        if (!key.startsWith(prefix))
+            continue;
+        if (key.startsWith("+CUSD=") && !key.contains('"'))
+            return std::nullopt;   // presentation on or off needs no SIM
+        switch (sim) {
+        case SimState::Pin: return cmeError(11);
+        case SimState::Puk: return cmeError(12);
+        case SimState::NotInserted: return cmeError(10);
+        case SimState::Failure:
+        case SimState::Ready: break;
+        }
+        return cmeError(13);
+    }
+    return std::nullopt;
+}
+
+// The quoted (or bare) values of "+CPIN=..." and "+CPWD=...".
+static QList<QByteArray> codeFields(const QByteArray& args)
+{
+    QList<QByteArray> fields;
+    for (QByteArray field : args.split(',')) {
+        field = field.trimmed();
+        field.replace('"', "");
+        fields << field;
+    }
+    return fields;
+}
+
+// AT+CPIN?, AT+CPIN=..., AT+CPWD=... and the makes' counts of attempts;
+// called with the mutex held.
+Reply SimModem::Private::simCommand(const QByteArray& key, const QByteArray& command)
+{
+    const auto stateWord = [this]() -> QByteArray {
+        switch (sim) {
+        case SimState::Ready: return "READY";
+        case SimState::Pin: return "SIM PIN";
+        case SimState::Puk: return "SIM PUK";
+        default: return QByteArray();
+        }
+    };
+    if (key == "+CPIN?") {
+        if (sim == SimState::NotInserted)
+            return cmeError(10);
+        if (sim == SimState::Failure)
+            return cmeError(13);
+        return Reply::ok("+CPIN: " + stateWord());
+    }
+    const QByteArray pins = QByteArray::number(pinAttempts);
+    const QByteArray puks = QByteArray::number(pukAttempts);
+    const bool present = sim == SimState::Ready || sim == SimState::Pin || sim == SimState::Puk;
+    if (key == "^CPIN?" && (profile.make == Make::Huawei || profile.make == Make::HspaDataCard)) {
+        if (!present)
+            return cmeError(sim == SimState::NotInserted ? 10 : 13);
+        // ^CPIN: <code>,[<times>],<puk_times>,<pin_times>,<puk2_times>,<pin2_times>
+        const QByteArray times = sim == SimState::Pin ? pins : sim == SimState::Puk ? puks : QByteArray();
+        return Reply::ok("^CPIN: " + stateWord() + "," + times + "," + puks + "," + pins + ",10,3");
+    }
+    if (key == "+SPIC" && profile.make == Make::SimCom)
+        return present ? Reply::ok("+SPIC: " + pins + "," + puks + ",3,10") : cmeError(10);
+    if (key == "+ZPINPUK=?" && profile.make == Make::Zte)
+        return present ? Reply::ok("+ZPINPUK: " + pins + "," + puks) : cmeError(10);
+    if (key.startsWith("+CPIN=")) {
+        const QList<QByteArray> f = codeFields(command.mid(6));
+        if (sim == SimState::Pin && f.size() == 1) {
+            if (f.at(0) == pin) {
+                sim = SimState::Ready;
+                pinAttempts = 3;
+                return Reply::ok();
+            }
+            if (--pinAttempts <= 0) {
+                pinAttempts = 0;
+                sim = SimState::Puk;
+            }
+            return cmeError(16);
+        }
+        if (sim == SimState::Puk && f.size() == 2) {
+            if (f.at(0) == puk && !f.at(1).isEmpty()) {
+                sim = SimState::Ready;
+                pin = f.at(1);
+                pinAttempts = 3;
+                pukAttempts = 10;
+                return Reply::ok();
+            }
+            if (--pukAttempts <= 0) {
+                pukAttempts = 0;
+                sim = SimState::Failure;
+            }
+            return cmeError(16);
+        }
+        if (sim == SimState::NotInserted)
+            return cmeError(10);
+        return cmeError(sim == SimState::Failure ? 13 : 3);
+    }
+    if (key.startsWith("+CPWD=")) {
+        const QList<QByteArray> f = codeFields(command.mid(6));
+        if (sim != SimState::Ready)
+            return cmeError(sim == SimState::NotInserted ? 10 : sim == SimState::Pin ? 11 : 12);
+        if (f.size() != 3 || f.at(0).toUpper() != "SC")
+            return cmeError(4);
+        if (f.at(1) != pin) {
+            if (--pinAttempts <= 0) {
+                pinAttempts = 0;
+                sim = SimState::Puk;
+            }
+            return cmeError(16);
+        }
+        pin = f.at(2);
+        pinAttempts = 3;
+        return Reply::ok();
     }
     return Reply::error();
 }

@@ -28,6 +28,15 @@ enum class Fault {
     Vanish,      ///< the device disappears while the command waits
 };
 
+/// What the SIM waits for, as AT+CPIN? tells it.
+enum class SimState {
+    Ready,        ///< "+CPIN: READY"
+    Pin,          ///< "+CPIN: SIM PIN": the SIM's services are refused until AT+CPIN="<pin>"
+    Puk,          ///< "+CPIN: SIM PUK": the PIN is blocked; AT+CPIN="<puk>","<new pin>"
+    NotInserted,  ///< +CME ERROR 10 for AT+CPIN? and everything that needs the SIM
+    Failure,      ///< +CME ERROR 13: a broken SIM, or one whose PUK is used up
+};
+
 /// What the modem writes back for one command.
 struct ZELMODEMSSIM_EXPORT Reply
 {
@@ -199,6 +208,27 @@ public:
     /// to AT+CREG? from now on.
     void setRegistration(int state, const QByteArray& lac = "1A2B", const QByteArray& cell = "01C3D4E5",
                          int accessTechnology = 7);
+    /// The SIM: its state and the attempts left for the PIN and the PUK.
+    /// While it is not ready, commands that need it (AT+CIMI, AT+COPS?,
+    /// USSD, the SMS store) answer its error: "ERROR", or "+CME ERROR: 11"
+    /// (by number or in words) once the client asked for AT+CMEE=1 or 2;
+    /// the modem is not registered. A wrong PIN costs an attempt, and the
+    /// last one turns the state to Puk; a wrong PUK likewise, and the
+    /// last one to Failure. The makes tell the attempts left their own way:
+    /// Huawei AT^CPIN?, SIMCOM AT+SPIC, ZTE AT+ZPINPUK=?.
+    void setSim(SimState state, int pinAttempts = 3, int pukAttempts = 10);
+    SimState simState() const;
+    /// The SIM's codes ("1234" and "12345678" at start).
+    void setSimCodes(const QByteArray& pin, const QByteArray& puk);
+    /// The PIN now (after an AT+CPWD or a PUK entry changed it).
+    QByteArray simPin() const;
+    /// The network the modem is registered on, as AT+COPS? names it in
+    /// the format AT+COPS=3,`<format>` chose ("MegaFon" and the IMSI's first
+    /// five digits at start).
+    void setNetwork(const QByteArray& name, const QByteArray& numeric);
+    /// The SMS store's places (30 at start), as AT+CPMS? counts them.
+    void setStoreSize(int places);
+
     /// The network sends USSD: a "+CUSD:" line made with Ussd (status 1 is
     /// a menu that waits for an answer).
     void sendNetworkUssd(const QByteArray& cusdLine);

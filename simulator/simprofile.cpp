@@ -16,6 +16,9 @@ Profile Profile::forMake(Make make)
         p.revision = "22.315.01.00.00";
         p.ussdPacked = true;
         p.answers.insert("^ICCID?", "^ICCID: 98701234567890123456");
+        // Huawei's own measurements: LTE, RSSI -60 dBm, RSRP -85 dBm,
+        // SINR 10.2 dB, RSRQ -9 dB.
+        p.answers.insert("^HCSQ?", "^HCSQ: \"LTE\",61,56,151,22");
         break;
     case Make::SimCom:
         p.ati = "Manufacturer: SIMCOM INCORPORATED\r\nModel: SIMCOM_SIM7600E-H\r\n"
@@ -25,6 +28,8 @@ Profile Profile::forMake(Make make)
         p.imsi = "250991234567890";
         // Packet-domain registration with location (after AT+CGREG=2).
         p.answers.insert("+CGREG?", "+CGREG: 2,1,\"1A2B\",\"C3D4\"");
+        // TS 27.007 extended quality: LTE, RSRQ -9 dB, RSRP -85 dBm.
+        p.answers.insert("+CESQ", "+CESQ: 99,99,255,255,22,56");
         break;
     case Make::Zte:
         p.ati = "Manufacturer: ZTE INCORPORATED\r\nModel: MF626\r\nRevision: BD_P673A2V1.0.0B06\r\n"
@@ -71,7 +76,6 @@ Profile Profile::forMake(Make make)
         break;
     }
     p.answers.insert("+CSQ", "+CSQ: 20,99");
-    p.answers.insert("+COPS?", "+COPS: 0,0,\"MegaFon\",2");
     p.answers.insert("+CREG?", "+CREG: 2,1,\"1A2B\",\"00C3D4E5\"");
     return p;
 }

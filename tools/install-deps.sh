@@ -17,6 +17,11 @@ packages=(
     libudev-dev
     # Independent SMS decoder used as a peer by the tests and benchmarks.
     python3 python3-gammu
+    # The JSON Schema of the tool's output, checked against every JSON
+    # output the tests produce.
+    python3-jsonschema
+    # gammu, an independent AT client, run against the modem simulator.
+    gammu
     # The dialer's configuration tool, run by the wvdialconf runner's tests.
     wvdial
     # Packaging checks.

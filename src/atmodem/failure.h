@@ -51,6 +51,8 @@ public:
         NotFound,       ///< "not-found": no such port, entry or file
         SystemError,    ///< "system-error": the operating system refused (files, pseudo-terminals)
         Canceled,       ///< "canceled": the caller cancelled it before it was done
+        LastAttempt,    ///< "last-attempt": not tried, as one attempt is left (a wrong code would block the SIM)
+        WrongState,     ///< "wrong-state": the modem is not in a state where this can be done (a PIN for a ready SIM)
     };
 
     Failure() : d(new FailureData) {}
@@ -96,6 +98,8 @@ public:
         case NotFound: return QStringLiteral("not-found");
         case SystemError: return QStringLiteral("system-error");
         case Canceled: return QStringLiteral("canceled");
+        case LastAttempt: return QStringLiteral("last-attempt");
+        case WrongState: return QStringLiteral("wrong-state");
         }
         return QStringLiteral("unknown");
     }

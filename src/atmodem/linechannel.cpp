@@ -184,10 +184,39 @@ void LineChannel::settle()
     m_splitter.feed(kept);
 }
 
+namespace {
+// A command as the debug log shows it: the codes of the SIM's PIN commands
+// (AT+CPIN="1234", AT+CPWD="SC","1234","4321", AT+CLCK) are masked, so that
+// a log handed to someone else never holds them.
+QByteArray loggable(const QByteArray& full)
+{
+    const QByteArray upper = full.toUpper();
+    // The quoted fields that stay: the facility ("SC") of +CPWD and +CLCK.
+    int kept = 0;
+    if (upper.startsWith("AT+CPWD=") || upper.startsWith("AT+CLCK="))
+        kept = 1;
+    else if (!upper.startsWith("AT+CPIN="))
+        return full;
+    QByteArray shown;
+    bool quoted = false;
+    int opened = 0;
+    for (const char c : full) {
+        if (c == '"') {
+            quoted = !quoted;
+            opened += quoted ? 1 : 0;
+            shown += c;
+        } else {
+            shown += quoted && opened > kept ? '*' : c;
+        }
+    }
+    return shown;
+}
+} // namespace
+
 LineChannel::Answer LineChannel::command(const QByteArray& command, int timeoutMs, bool promptEnds)
 {
     const QByteArray full = "AT" + command;
-    qCDebug(AT_MODEM()).noquote() << "Send at command " << full;
+    qCDebug(AT_MODEM()).noquote() << "Send at command " << loggable(full);
     if (!m_modem->portOpen()) {
         Answer gone;
         gone.end = End::PortGone;
@@ -198,7 +227,8 @@ LineChannel::Answer LineChannel::command(const QByteArray& command, int timeoutM
     // collection below sets them apart from the answer.
     m_modem->m_port->write(full + '\r');
     const Answer answer = collect(full, LineRouter::ownPrefixOf(command), timeoutMs, promptEnds);
-    qCDebug(AT_MODEM()).noquote() << full << "answer" << answer.text() << "unsolicited" << answer.unsolicited;
+    qCDebug(AT_MODEM()).noquote() << loggable(full) << "answer" << answer.text() << "unsolicited"
+                                  << answer.unsolicited;
     return answer;
 }
 

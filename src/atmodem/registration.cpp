@@ -1,6 +1,9 @@
 // Network registration reports (+CREG, +CGREG, +CEREG).
 #include "registration.h"
 
+#include "atmodem.h"
+#include "linechannel_p.h"
+
 #include <QList>
 
 namespace zelmodems {
@@ -13,6 +16,7 @@ public:
     QString area;
     QString cell;
     int act = -1;
+    Failure failure;
 };
 
 Registration::Registration() : d(new RegistrationData) {}
@@ -75,6 +79,34 @@ Registration Registration::parse(const QByteArray& line, bool answer)
     return result;
 }
 
+Registration Registration::read(AtModem* modem, Domain domain)
+{
+    Registration result;
+    if (!modem) {
+        result.d->failure = Failure(Failure::NotOpen, tr("no modem given"));
+        return result;
+    }
+    const QByteArray name = domainName(domain).toLatin1();
+    LineChannel channel(modem);
+    // A modem that knows no location report keeps the plain one.
+    channel.command("+" + name + "=2", 1000);
+    const LineChannel::Answer answer = channel.command("+" + name + "?", 1000);
+    if (answer.ok()) {
+        for (const QByteArray& line : answer.lines) {
+            result = fromAnswer(line.trimmed());
+            if (result.isValid())
+                return result;
+        }
+        result.d->failure = Failure(Failure::Malformed, tr("the modem's answer to AT+%1? holds no registration state")
+                                                            .arg(QString::fromLatin1(name)));
+        return result;
+    }
+    result.d->failure = answer.failure(tr("the modem did not report its registration (AT+%1?): %2")
+                                           .arg(QString::fromLatin1(name), answer.reason()));
+    return result;
+}
+
+Failure Registration::failure() const { return d->failure; }
 bool Registration::isValid() const { return d->state != NotRead; }
 Registration::Domain Registration::domain() const { return d->domain; }
 Registration::State Registration::state() const { return d->state; }

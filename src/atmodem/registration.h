@@ -1,10 +1,13 @@
 #pragma once
+#include "failure.h"
 #include "zelmodemslib_export.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QSharedDataPointer>
 #include <QString>
+
+class AtModem;
 
 namespace zelmodems {
 
@@ -53,7 +56,14 @@ public:
     /// the report setting `<n>`.
     static Registration fromAnswer(const QByteArray& line);
 
+    /// Asks the modem: turns on the report with location (AT+CREG=2, as
+    /// AtModem::getGsmCells does; +CGREG=2 and +CEREG=2 for the other
+    /// domains) and reads it (AT+CREG?). Blocks like every AtModem call.
+    static Registration read(AtModem* modem, Domain domain = CircuitSwitched);
+
     bool isValid() const;
+    /// Why read() got no report (no answer, refused, unreadable).
+    Failure failure() const;
     Domain domain() const;
     State state() const;
     /// Registered (home or roaming, SMS only included).

@@ -16,6 +16,11 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.cpp
     ${CMAKE_CURRENT_LIST_DIR}/simidentity.cpp
     ${CMAKE_CURRENT_LIST_DIR}/registration.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/simstatus.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/simlock.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/networkoperator.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/signalmeasures.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/storeuse.cpp
     ${CMAKE_CURRENT_LIST_DIR}/atinput.cpp
     ${CMAKE_CURRENT_LIST_DIR}/lockfile_p.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.cpp
@@ -35,5 +40,10 @@ zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.h
     ${CMAKE_CURRENT_LIST_DIR}/simidentity.h
     ${CMAKE_CURRENT_LIST_DIR}/registration.h
+    ${CMAKE_CURRENT_LIST_DIR}/simstatus.h
+    ${CMAKE_CURRENT_LIST_DIR}/simlock.h
+    ${CMAKE_CURRENT_LIST_DIR}/networkoperator.h
+    ${CMAKE_CURRENT_LIST_DIR}/signalmeasures.h
+    ${CMAKE_CURRENT_LIST_DIR}/storeuse.h
     ${CMAKE_CURRENT_LIST_DIR}/atinput.h
     ${CMAKE_CURRENT_LIST_DIR}/portlock.h)
