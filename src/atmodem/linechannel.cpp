@@ -1,5 +1,6 @@
 // The standards' AT dialogue for the project's own services.
 #include "linechannel_p.h"
+#include "modemerror.h"
 
 #include "atmodem.h"
 #include "atmodemlog_p.h"
@@ -25,7 +26,8 @@ QString LineChannel::Answer::reason() const
 {
     switch (end) {
     case End::Final:
-        return QString::fromLatin1(final);
+        // "+CME ERROR: 16 (incorrect password)": the number with its meaning.
+        return ModemError::describe(QString::fromLatin1(final), final);
     case End::Prompt:
         return tr("the modem waits for message text");
     case End::TimedOut:

@@ -79,7 +79,7 @@ bool SimLock::send(const QByteArray& command, const QString& what)
     QString text = tr("%1 was refused: %2").arg(what, answer.reason());
     const int left = m_status.attemptsLeft();
     if (left >= 0)
-        text += tr("; %n attempt(s) left", nullptr, left);
+        text += tr("; attempts left: %1").arg(left);
     m_failure = answer.failure(text);
     return false;
 }

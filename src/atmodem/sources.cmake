@@ -16,6 +16,7 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.cpp
     ${CMAKE_CURRENT_LIST_DIR}/simidentity.cpp
     ${CMAKE_CURRENT_LIST_DIR}/registration.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/modemerror.cpp
     ${CMAKE_CURRENT_LIST_DIR}/simstatus.cpp
     ${CMAKE_CURRENT_LIST_DIR}/simlock.cpp
     ${CMAKE_CURRENT_LIST_DIR}/networkoperator.cpp
@@ -40,6 +41,7 @@ zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/cellrecord.h
     ${CMAKE_CURRENT_LIST_DIR}/simidentity.h
     ${CMAKE_CURRENT_LIST_DIR}/registration.h
+    ${CMAKE_CURRENT_LIST_DIR}/modemerror.h
     ${CMAKE_CURRENT_LIST_DIR}/simstatus.h
     ${CMAKE_CURRENT_LIST_DIR}/simlock.h
     ${CMAKE_CURRENT_LIST_DIR}/networkoperator.h

@@ -270,7 +270,7 @@ QFuture<ModemResult<ModemAnswer>> Modem::command(const QByteArray& command, int 
         if (got.ok())
             return Failure();
         return got.failure(ModemWorker::tr("AT%1: %2")
-                               .arg(QString::fromLatin1(command), ModemError::describe(got.reason(), got.final)));
+                               .arg(QString::fromLatin1(command), got.reason()));
     });
 }
 

@@ -8,7 +8,6 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ownnumber.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/modemerror.cpp
     ${CMAKE_CURRENT_LIST_DIR}/modemworker_p.h
     ${CMAKE_CURRENT_LIST_DIR}/modemworker.cpp
     ${CMAKE_CURRENT_LIST_DIR}/modem.cpp)
@@ -19,5 +18,4 @@ zml_public_headers(
     ${CMAKE_CURRENT_LIST_DIR}/smssender.h
     ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.h
     ${CMAKE_CURRENT_LIST_DIR}/ownnumber.h
-    ${CMAKE_CURRENT_LIST_DIR}/modemerror.h
     ${CMAKE_CURRENT_LIST_DIR}/modem.h)

@@ -176,7 +176,7 @@ private slots:
         QCOMPARE(SimStatus::stateName(after.state()), stateAfter);
         QCOMPARE(after.attemptsLeft(), attemptsAfter);
         if (failure == QLatin1String("cme-error"))
-            QVERIFY2(lock.failure().text().contains(QStringLiteral("%1 attempt").arg(attemptsAfter)),
+            QVERIFY2(lock.failure().text().contains(QStringLiteral("attempts left: %1").arg(attemptsAfter)),
                      qPrintable(lock.failure().text()));
     }
 

@@ -41,6 +41,17 @@ int registrationState(const QString& word)
     return STATES.value(word, -1);
 }
 
+// The SIM state a word names; -1 for none.
+int simState(const QString& word)
+{
+    static const QMap<QString, int> STATES = {{QStringLiteral("ready"), int(SimState::Ready)},
+                                              {QStringLiteral("pin"), int(SimState::Pin)},
+                                              {QStringLiteral("puk"), int(SimState::Puk)},
+                                              {QStringLiteral("none"), int(SimState::NotInserted)},
+                                              {QStringLiteral("failure"), int(SimState::Failure)}};
+    return STATES.value(word, -1);
+}
+
 bool isLatin(const QString& text)
 {
     for (const QChar c : text) {
@@ -63,6 +74,26 @@ bool SimScript::add(const QString& statement, QString* error)
     if (p.word == QLatin1String("signal")) {
         if (!QRegularExpression(QStringLiteral("^\\d{1,2},\\d{1,2}$")).match(p.first).hasMatch() || !p.rest.isEmpty())
             return fail(QStringLiteral("signal takes rssi,ber (for example 20,99)"));
+    } else if (p.word == QLatin1String("sim")) {
+        const Parsed more = parse(p.rest);
+        bool pinOk = true;
+        bool pukOk = true;
+        const int pins = more.word.isEmpty() ? 3 : more.word.toInt(&pinOk);
+        const int puks = more.first.isEmpty() ? 10 : more.first.toInt(&pukOk);
+        if (simState(p.first) < 0 || !pinOk || !pukOk || pins < 0 || puks < 0 || !more.rest.isEmpty())
+            return fail(QStringLiteral("sim takes ready, pin, puk, none or failure, and optionally the attempts left "
+                                       "for the PIN and the PUK"));
+    } else if (p.word == QLatin1String("sim-codes")) {
+        const QRegularExpression digits(QStringLiteral("^\\d{4,8}$"));
+        if (!digits.match(p.first).hasMatch() || !digits.match(p.rest).hasMatch())
+            return fail(QStringLiteral("sim-codes takes the PIN and the PUK (digits)"));
+    } else if (p.word == QLatin1String("network")) {
+        if (p.first.isEmpty() || !QRegularExpression(QStringLiteral("^\\d{5,6}$")).match(p.rest).hasMatch())
+            return fail(QStringLiteral("network takes a name (no spaces) and the MCC and MNC (25002)"));
+    } else if (p.word == QLatin1String("store-size")) {
+        const int places = p.first.toInt(&ok);
+        if (!ok || places < 1 || places > 1000 || !p.rest.isEmpty())
+            return fail(QStringLiteral("store-size takes the places of the SMS store (1-1000)"));
     } else if (p.word == QLatin1String("answer")) {
         if (p.first.isEmpty())
             return fail(QStringLiteral("answer takes a command and its answer (none for a bare OK)"));
@@ -186,6 +217,16 @@ void SimScript::applyOne(const QString& statement, SimModem& modem)
         const QByteArray first = p.first.toLatin1();
         if (p.word == QLatin1String("signal")) {
             modem.setAnswer("+CSQ", "+CSQ: " + first);
+        } else if (p.word == QLatin1String("sim")) {
+            const Parsed more = parse(p.rest);
+            modem.setSim(SimState(simState(p.first)), more.word.isEmpty() ? 3 : more.word.toInt(),
+                         more.first.isEmpty() ? 10 : more.first.toInt());
+        } else if (p.word == QLatin1String("sim-codes")) {
+            modem.setSimCodes(first, p.rest.toLatin1());
+        } else if (p.word == QLatin1String("network")) {
+            modem.setNetwork(first, p.rest.toLatin1());
+        } else if (p.word == QLatin1String("store-size")) {
+            modem.setStoreSize(p.first.toInt());
         } else if (p.word == QLatin1String("ussd")) {
             modem.setUssdReply(first, isLatin(p.rest) ? Ussd::plain(p.rest.toLatin1()) : Ussd::ucs2(p.rest));
         } else if (p.word == QLatin1String("ussd-status")) {

@@ -11,6 +11,11 @@ const QList<Entry>& table()
         {QStringLiteral("info"), Tool::tr("identify the modem on a port: make, IMEI, SIM, operator, signal, cell"),
          &info},
         {QStringLiteral("signal"), Tool::tr("signal level in dBm"), &signal},
+        {QStringLiteral("status"),
+         Tool::tr("why it is (not) online: SIM, registration, network, signal, stores, next steps"), &status},
+        {QStringLiteral("sim status"), Tool::tr("what the SIM waits for, and the attempts left"), &simStatus},
+        {QStringLiteral("sim unlock"), Tool::tr("enter the SIM's PIN (or its PUK and a new PIN)"), &simUnlock},
+        {QStringLiteral("sim change-pin"), Tool::tr("change the SIM's PIN"), &simChangePin},
         {QStringLiteral("cells"), Tool::tr("serving cell (and neighbour cells where the modem lists them)"),
          &cells},
         {QStringLiteral("operator"), Tool::tr("the SIM's operator: MCC/MNC, network name, operator table entry"),
@@ -41,7 +46,7 @@ QString overview()
         "Finds modems on serial ports and queries them (ZelModemsLib " ZELMODEMSLIB_VERSION_STR ").\n\n"
         "Commands:\n");
     for (const Entry& entry : table())
-        text += QStringLiteral("  %1%2\n").arg(entry.name.leftJustified(14), entry.summary);
+        text += QStringLiteral("  %1%2\n").arg(entry.name.leftJustified(16), entry.summary);
     text += Tool::tr("\nEvery command takes --help, --json (machine-readable output) and --verbose\n"
         "(the library's AT dialogue on standard error). Commands that talk to a modem\n"
         "take the port (/dev/ttyUSB2 or ttyUSB2), --baud (default 115200), --attempts\n"
@@ -75,15 +80,17 @@ Report dispatch(const QStringList& args)
         if (entry.name == name)
             return entry.run(args.mid(name.count(QLatin1Char(' ')) + 1));
     }
-    if (first == QLatin1String("sms") || first == QLatin1String("pdu")) {
+    if (first == QLatin1String("sms") || first == QLatin1String("pdu") || first == QLatin1String("sim")) {
         QString second = args.value(1);
         if (second.startsWith(QLatin1Char('-')))
             second.clear();
-        report.fail(second.isEmpty()
-                        ? QStringLiteral("%1 needs a subcommand: %2").arg(first, first == QLatin1String("sms")
-                                                                                  ? Tool::tr("list, delete, take or send")
-                                                                                  : Tool::tr("encode or explain"))
-                        : Tool::tr("unknown command \"%1 %2\" (see zelmodems --help)").arg(first, second),
+        QString choices = Tool::tr("encode or explain");
+        if (first == QLatin1String("sms"))
+            choices = Tool::tr("list, delete, take or send");
+        else if (first == QLatin1String("sim"))
+            choices = Tool::tr("status, unlock or change-pin");
+        report.fail(second.isEmpty() ? Tool::tr("%1 needs a subcommand: %2").arg(first, choices)
+                                     : Tool::tr("unknown command \"%1 %2\" (see zelmodems --help)").arg(first, second),
                     Report::UsageError);
         return report;
     }

@@ -13,6 +13,10 @@ namespace commands {
 Report find(const QStringList& args);
 Report info(const QStringList& args);
 Report signal(const QStringList& args);
+Report status(const QStringList& args);
+Report simStatus(const QStringList& args);
+Report simUnlock(const QStringList& args);
+Report simChangePin(const QStringList& args);
 Report cells(const QStringList& args);
 Report operatorInfo(const QStringList& args);
 Report balance(const QStringList& args);

@@ -1,5 +1,6 @@
 #include "interruption.h"
 #include "portlock.h"
+#include "tooltext.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <pthread.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace Interruption {
@@ -22,6 +24,12 @@ QStringList folders;
 QByteArray progressOut;
 QByteArray progressErr;
 std::atomic<int> caught{ 0 };
+// What the interruption says, by signal: set before any signal can come.
+QByteArray saidInterrupted = "interrupted; ports released";
+QByteArray saidTerminated = "terminated; ports released";
+QByteArray saidHungUp = "hung up; ports released";
+struct termios terminal;
+std::atomic<bool> restoreTerminal{ false };
 
 // The handler's only act: the signal's number down a pipe to the watcher.
 int wakePipe[2] = { -1, -1 };
@@ -97,8 +105,10 @@ void* watch(void*)
     }
     if (!out.isEmpty())
         (void)!::write(STDOUT_FILENO, out.constData(), size_t(out.size()));
-    const char* name = signal == SIGINT ? "interrupted" : signal == SIGTERM ? "terminated" : "hung up";
-    const QByteArray text = QByteArray("\nzelmodems: ") + name + "; ports released\n" + err;
+    if (restoreTerminal.load())
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
+    const QByteArray& said = signal == SIGINT ? saidInterrupted : signal == SIGTERM ? saidTerminated : saidHungUp;
+    const QByteArray text = QByteArray("\nzelmodems: ") + said + "\n" + err;
     (void)!::write(STDERR_FILENO, text.constData(), size_t(text.size()));
     ::_exit(128 + signal);
     return nullptr;
@@ -121,6 +131,20 @@ void install()
     action.sa_flags = SA_RESTART;
     for (const int signal : { SIGINT, SIGTERM, SIGHUP })
         ::sigaction(signal, &action, nullptr);
+}
+
+void translate()
+{
+    saidInterrupted = Tool::tr("interrupted; ports released").toLocal8Bit();
+    saidTerminated = Tool::tr("terminated; ports released").toLocal8Bit();
+    saidHungUp = Tool::tr("hung up; ports released").toLocal8Bit();
+}
+
+void restoreTerminalOnInterrupt(const struct termios* settings)
+{
+    if (settings)
+        terminal = *settings;
+    restoreTerminal = settings != nullptr;
 }
 
 void removeOnInterrupt(const QString& folder)

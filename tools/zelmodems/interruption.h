@@ -2,6 +2,8 @@
 #include <QByteArray>
 #include <QString>
 
+struct termios;
+
 // Ctrl-C, SIGTERM and SIGHUP during any command: the tool releases what it
 // holds and ends within a second, with status 128 + the signal's number
 // (130, 143, 129), whatever call is under way. The signals are caught by a
@@ -16,6 +18,13 @@ namespace Interruption {
 
 // Call first in main(), before any other thread exists.
 void install();
+// Call once the translation is installed: the interruption's own line is
+// then said in the user's language.
+void translate();
+
+// While a code is typed without echo: the terminal's settings to put back
+// if the command is interrupted (null: nothing to put back).
+void restoreTerminalOnInterrupt(const termios* settings);
 
 // A folder to remove on interruption (or nothing to remove any more).
 void removeOnInterrupt(const QString& folder);

@@ -56,6 +56,7 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(QStringLiteral("zelmodems"));
     // The tool's own catalogue, beside the library's, for the same locale.
     qt5ext::AppVersionManager::addLocalisation(QStringLiteral("zelmodems"));
+    Interruption::translate();
     QCoreApplication::setApplicationVersion(QStringLiteral(ZELMODEMSLIB_VERSION_STR));
 
     QStringList args = app.arguments().mid(1);

@@ -3,6 +3,7 @@
 #include "commandline.h"
 #include "report.h"
 #include "declaredports.h"
+#include "modemstate.h"
 
 #include "portlock.h"
 
@@ -71,6 +72,9 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
                         .arg(why), zelmodems::Failure::NoAnswer);
         return false;
     }
+    // A refusal then says why ("+CME ERROR: 11": SIM PIN required) instead
+    // of a bare ERROR.
+    ModemState::askForReasons(m_modem);
     report.json().insert(QStringLiteral("port"), m_portName);
     report.json().insert(QStringLiteral("baudrate"), commandLine.baud());
     report.json().insert(QStringLiteral("name"), m_modem.name());
