@@ -38,7 +38,7 @@ private slots:
         QTest::newRow("no signal") << QStringList{"signal"} << QByteArray("+CSQ: 99,99") << QByteArray() << 0
                                    << "Signal:       unknown (the modem reports no signal)";
         QTest::newRow("no signal, JSON") << QStringList{"signal", "--json"} << QByteArray("+CSQ: 99,99")
-                                         << QByteArray() << 0 << "\"signal\": null";
+                                         << QByteArray() << 0 << "\"dbm\": null";
         QTest::newRow("USSD reply") << QStringList{"ussd", "*100#"} << QByteArray()
                                     << Ussd::plain("Tarif: Vse vklyucheno") << 0 << "Reply:        Tarif: Vse vklyucheno\n";
         QTest::newRow("USSD not supported") << QStringList{"balance", "--code", "*100#"} << QByteArray()

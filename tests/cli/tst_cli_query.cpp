@@ -42,7 +42,7 @@ private slots:
     {
         const clitest::Result r = run({"info", port("huawei")});
         QVERIFY2(r.exitCode == 0 && r.err.isEmpty(), r.describe());
-        for (const char* expected : {"MCC/MNC:      250/02", "Network:      MegaFon", "Table entry:  Мегафон", "Own number:   *205# (USSD reply)",
+        for (const char* expected : {"MCC/MNC:      250/02", "Network:      MegaFon (25002)", "Registration: registered, home network", "SIM:          ready", "Table entry:  Мегафон", "Own number:   *205# (USSD reply)",
                                      "SIM id:       89072143658709214365"})
             QVERIFY2(lines(r).contains(QString::fromUtf8(expected)), qPrintable(expected + ("\n" + r.describe())));
     }
@@ -63,8 +63,8 @@ private slots:
         const clitest::Result json = run({"signal", "--json", port("cinterion")});
         m_cinterion->setAnswer("+CSQ", "+CSQ: 20,99");
         QCOMPARE(json.exitCode, 0);
-        QCOMPARE(json.json().value("signal").toInt(), -51);
-        QCOMPARE(json.json().value("rating").toString(), QStringLiteral("excellent"));
+        QCOMPARE(json.json().value("signal").toObject().value("dbm").toInt(), -51);
+        QCOMPARE(json.json().value("signal").toObject().value("rating").toString(), QStringLiteral("excellent"));
         QVERIFY2(json.err.isEmpty(), json.describe());   // no dialogue unless asked
 
         // 99: the modem cannot tell; nothing is invented.
@@ -72,8 +72,8 @@ private slots:
         const clitest::Result unknown = run({"signal", "--json", port("cinterion")});
         m_cinterion->setAnswer("+CSQ", "+CSQ: 20,99");
         QCOMPARE(unknown.exitCode, 0);
-        QVERIFY(unknown.json().value("signal").isNull());
-        QCOMPARE(unknown.json().value("rating").toString(), QStringLiteral("unknown"));
+        QVERIFY(unknown.json().value("signal").toObject().value("dbm").isNull());
+        QCOMPARE(unknown.json().value("signal").toObject().value("rating").toString(), QStringLiteral("unknown"));
     }
 
     void cells()
@@ -110,7 +110,7 @@ private slots:
         // Huawei lists no neighbours: the serving cell only.
         const clitest::Result huawei = run({"cells", "--json", port("huawei")});
         QCOMPARE(huawei.exitCode, 0);
-        QCOMPARE(huawei.json().value("lacHex").toString(), QStringLiteral("1A2B"));
+        QCOMPARE(huawei.json().value("registration").toObject().value("lacHex").toString(), QStringLiteral("1A2B"));
         QVERIFY(!huawei.json().contains("cells"));
 
         // The registration query refused, and no neighbour list.
@@ -118,7 +118,7 @@ private slots:
         const clitest::Result none = run({"cells", port("huawei")});
         m_huawei->clearFaults();
         QCOMPARE(none.exitCode, 1);
-        QVERIFY2(none.err.contains("zelmodems cells: the modem reports no cell"), none.describe());
+        QVERIFY2(none.err.contains("zelmodems cells: the modem did not report its registration"), none.describe());
     }
 
     void operatorNotInTable()

@@ -14,6 +14,8 @@
 
 #include <unistd.h>
 #include "modemsession.h"
+#include "modemstate.h"
+#include "simidentity.h"
 #include "ownnumber.h"
 #include "signalquality.h"
 #include "cellrecord.h"
@@ -81,29 +83,18 @@ QString printable(QString text)
     return text.replace(QChar(0), QLatin1Char('?'));
 }
 
-// The signal's fields and JSON (AT+CSQ as the modem states it); false,
-// with why in `failure`, when the modem gave no +CSQ at all.
+// The signal's fields and JSON (AT+CSQ as the modem states it, and the
+// measures of +CESQ or ^HCSQ); false, with why in `failure`, when the
+// modem gave no +CSQ at all.
 bool reportSignal(AtModem& modem, Report& report, zelmodems::Failure* failure = nullptr)
 {
-    const zelmodems::SignalQuality signal = zelmodems::SignalQuality::read(&modem);
-    if (!signal.isAnswered()) {
+    const ModemState state = ModemState::read(modem, ModemState::ReadSignal);
+    if (!state.signal().isAnswered()) {
         if (failure)
-            *failure = signal.failure();
+            *failure = state.signal().failure();
         return false;
     }
-    QJsonObject& json = report.json();
-    json.insert(QStringLiteral("rssi"), signal.rssi());
-    json.insert(QStringLiteral("ber"), signal.ber());
-    json.insert(QStringLiteral("rating"), zelmodems::SignalQuality::ratingName(signal.rating()));
-    if (signal.isKnown()) {
-        report.field(Tool::tr("Signal"), Tool::tr("%1 dBm (%2)")
-                                             .arg(signal.dbm())
-                                             .arg(zelmodems::SignalQuality::ratingText(signal.rating())));
-        json.insert(QStringLiteral("signal"), signal.dbm());
-    } else {
-        report.field(Tool::tr("Signal"), Tool::tr("unknown (the modem reports no signal)"));
-        json.insert(QStringLiteral("signal"), QJsonValue());
-    }
+    state.reportSignal(report);
     return true;
 }
 
@@ -159,11 +150,6 @@ void insertCode(QJsonObject& json, const QString& name, qlonglong value)
                 value < 0 ? QJsonValue() : QJsonValue(QString::number(value, 16).toUpper()));
 }
 
-qlonglong number(const QString& text, int base)
-{
-    return zelmodems::CellRecord::parseNumber(text, base);
-}
-
 QJsonObject cellJson(const zelmodems::CellRecord& cell)
 {
     const auto orNull = [](qlonglong v) { return v < 0 ? QJsonValue() : QJsonValue(v); };
@@ -212,15 +198,6 @@ QString cellHeader()
     return QStringLiteral("  MCC  MNC  CELL (DECIMAL)   LAC (DECIMAL)  RXLEV  DBM");
 }
 
-// The serving cell of AT+CREG (hexadecimal, as modems give it).
-void reportServingCell(const QString& lac, const QString& cid, Report& report)
-{
-    report.field(Tool::tr("Serving cell"),
-                 QStringLiteral("LAC %1, CID %2").arg(codeText(number(lac, 16)), codeText(number(cid, 16))));
-    insertCode(report.json(), QStringLiteral("lac"), number(lac, 16));
-    insertCode(report.json(), QStringLiteral("cid"), number(cid, 16));
-}
-
 // Neighbour cells of the makes that list them.
 bool neighbourCells(AtModem& modem, QString& list)
 {
@@ -239,80 +216,74 @@ Report info(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("info"),
                          Tool::tr("Opens the port, identifies the modem (name and dialect) and reads its\n"
-                                        "IMEI, the SIM's IMSI, MCC/MNC and operator (with the operator table's\n"
-                                        "entry), the signal level, the serving cell, the SIM id and the firmware\n"
-                                        "revision. Queries the modem cannot answer are shown as unknown."));
+                                        "IMEI, the SIM's state and IMSI, MCC/MNC and operator (with the operator\n"
+                                        "table's entry), the registration and the serving cell, the signal, the\n"
+                                        "SIM id and the firmware revision. What the modem cannot tell is shown as\n"
+                                        "unknown, with the reason and the next step where there is one."));
     return command.run(args, [](ModemSession& session, const CommandLine& cl, Report& report) {
         AtModem& modem = session.modem();
         QJsonObject& json = report.json();
 
-        report.field(Tool::tr("Port"), QStringLiteral("%1 at %2 baud").arg(session.portName()).arg(cl.baud()));
-        report.field(Tool::tr("Modem"), QStringLiteral("%1 (dialect %2)").arg(modem.name(), modem.gsmDialect()));
+        report.field(Tool::tr("Port"), Tool::tr("%1 at %2 baud").arg(session.portName()).arg(cl.baud()));
+        report.field(Tool::tr("Modem"), Tool::tr("%1 (dialect %2)").arg(modem.name(), modem.gsmDialect()));
 
         QVariantMap summary;
         modem.getInfo(summary);
         const QString unknown = Tool::tr("unknown");
         const QString imei = summary.value(QStringLiteral("imei")).toString();
-        const QString imsi = summary.value(QStringLiteral("imsi")).toString();
         report.field(Tool::tr("IMEI"), imei.isEmpty() ? unknown : imei);
-        report.field(Tool::tr("IMSI"), imsi.isEmpty() ? unknown : imsi);
-        if (!imei.isEmpty())
-            json.insert(QStringLiteral("imei"), imei);
-        if (!imsi.isEmpty())
-            json.insert(QStringLiteral("imsi"), imsi);
+        json.insert(QStringLiteral("imei"), imei.isEmpty() ? QJsonValue() : QJsonValue(imei));
+
+        const ModemState state = ModemState::read(modem);
+        state.reportSim(report);
+        const QString imsi = state.imsi();
+        report.field(Tool::tr("IMSI"), !imsi.isEmpty() ? imsi
+                                       : state.sim().isReady() ? unknown
+                                                               : Tool::tr("unknown (%1)").arg(
+                                                                     zelmodems::SimStatus::stateText(state.sim().state())));
 
         int mcc = 0;
         int mnc = 0;
-        if (modem.getMnc(mcc, mnc)) {
-            report.field(Tool::tr("MCC/MNC"), codesText(mcc, mnc));
-            json.insert(QStringLiteral("mcc"), mcc);
-            json.insert(QStringLiteral("mnc"), mnc);
-        } else {
-            report.field(Tool::tr("MCC/MNC"), unknown);
-        }
+        const bool codes = state.sim().isReady() && modem.getMnc(mcc, mnc);
+        report.field(Tool::tr("MCC/MNC"), codes ? codesText(mcc, mnc) : unknown);
+        json.insert(QStringLiteral("mcc"), codes ? QJsonValue(mcc) : QJsonValue());
+        json.insert(QStringLiteral("mnc"), codes ? QJsonValue(mnc) : QJsonValue());
 
-        reportNetwork(modem, report);
+        state.reportRegistration(report);
         OperatorData entry;
-        if (mcc > 0 && tableEntry(mcc, mnc, entry))
+        if (codes && tableEntry(mcc, mnc, entry))
             reportEntry(entry, report);
-        else if (mcc > 0)
+        else if (codes)
             report.field(Tool::tr("Table entry"), Tool::tr("none for %1").arg(codesText(mcc, mnc)));
+        state.reportSignal(report);
 
-        if (!reportSignal(modem, report))
-            report.field(Tool::tr("Signal"), unknown);
-
-        QString lac;
-        QString cid;
-        if (modem.getGsmCells(lac, cid)) {
-            reportServingCell(lac, cid, report);
-        } else {
-            report.field(Tool::tr("Serving cell"), unknown);
-        }
-
-        // The Siemens family calls it "simId", the others "sim_id": the
-        // library's keys are kept in the JSON.
+        // The Siemens family names it "simId", the others "sim_id": one
+        // name here whatever the make.
+        QJsonValue simId;
         for (const QString& key : {QStringLiteral("simId"), QStringLiteral("sim_id")}) {
             if (summary.contains(key)) {
                 const QString id = summary.value(key).toString();
                 report.field(Tool::tr("SIM id"), printable(id));
-                json.insert(key, id);
+                simId = id;
             }
         }
-        if (summary.contains(QStringLiteral("revision"))) {
-            const QString revision = summary.value(QStringLiteral("revision")).toString();
+        json.insert(QStringLiteral("simId"), simId);
+        const QString revision = summary.value(QStringLiteral("revision")).toString();
+        if (!revision.isEmpty())
             report.field(Tool::tr("Revision"), revision);
-            json.insert(QStringLiteral("revision"), revision);
-        }
+        json.insert(QStringLiteral("revision"), revision.isEmpty() ? QJsonValue() : QJsonValue(revision));
         // The neighbour cells as the modem listed them (the summary's copy
-        // turns fields the list leaves out into zeros).
+        // turns fields the list leaves out into zeros); none while the
+        // modem is not registered.
         QString list;
-        if (summary.contains(QStringLiteral("gsmCells")) && neighbourCells(modem, list)) {
+        if (state.isRegistered() && summary.contains(QStringLiteral("gsmCells")) && neighbourCells(modem, list)) {
             QStringList rows;
-            json.insert(QStringLiteral("gsmCells"), cellList(list, &rows));
+            json.insert(QStringLiteral("cells"), cellList(list, &rows));
             report.line(Tool::tr("Cells:"));
             report.line(cellHeader());
             report.lines(rows);
         }
+        state.reportProblems(report, session.portName());
         // "unknown" above must mean the modem could not tell, not that it
         // stopped answering half-way (pulled out, crashed, hung).
         if (!modem.pollAt(1000)) {
@@ -327,7 +298,8 @@ Report signal(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("signal"),
                          Tool::tr("Prints the signal level in dBm (AT+CSQ), or \"unknown\" when the modem\n"
-                                        "cannot measure it (index 99); JSON gives the raw rssi and ber too."));
+                                        "cannot measure it (index 99), and the measures of AT+CESQ (or Huawei's\n"
+                                        "^HCSQ): RSRP and RSRQ on LTE, RSCP and Ec/No on UMTS."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
         zelmodems::Failure why;
         if (!reportSignal(session.modem(), report, &why))
@@ -338,31 +310,41 @@ Report signal(const QStringList& args)
 Report cells(const QStringList& args)
 {
     ModemCommand command(QStringLiteral("cells"),
-                         Tool::tr("Prints the serving cell's location area code and cell identity (AT+CREG,\n"
-                                        "hexadecimal as the modem gives them, decimal in brackets), and the\n"
-                                        "neighbour cells of modems that list them (Siemens/Cinterion: ^SMONC with\n"
-                                        "levels from ^MONI/^MONP; SIMCOM: the packet-domain cell of AT+CGREG)."));
+                         Tool::tr("Prints the registration and, while registered, the serving cell's area\n"
+                                        "code and cell identity (AT+CREG, +CGREG, +CEREG: hexadecimal as the modem\n"
+                                        "gives them, decimal in brackets), and the neighbour cells of modems that\n"
+                                        "list them (Siemens/Cinterion: ^SMONC with levels from ^MONI/^MONP;\n"
+                                        "SIMCOM: the packet-domain cell of AT+CGREG)."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
         AtModem& modem = session.modem();
-        QJsonObject& json = report.json();
-
-        QString lac;
-        QString cid;
-        const bool serving = modem.getGsmCells(lac, cid);
-        QString list;
-        const bool neighbours = neighbourCells(modem, list);
-        if (!serving && !neighbours) {
-            report.fail(Tool::tr("the modem reports no cell (not registered?)"), zelmodems::Failure::NotFound);
+        const ModemState state = ModemState::read(modem, ModemState::ReadSim | ModemState::ReadRegistration);
+        if (!state.sim().isReady()) {
+            state.reportSim(report);
+            state.reportRegistration(report);
+            state.reportProblems(report, session.portName());
+            report.fail(Tool::tr("the modem is not registered (%1), so it has no cell")
+                            .arg(zelmodems::SimStatus::stateText(state.sim().state())),
+                        zelmodems::Failure::NotFound);
             return;
         }
-        if (serving) {
-            reportServingCell(lac, cid, report);
-        } else {
-            report.field(Tool::tr("Serving cell"), Tool::tr("unknown"));
+        state.reportRegistration(report);
+        if (!state.registration().isValid()) {
+            report.fail(Tool::tr("the modem did not report its registration, so its cell is unknown: %1")
+                            .arg(state.registration().failure().text()),
+                        state.registration().failure().code());
+            return;
         }
-        if (neighbours) {
+        if (!state.isRegistered()) {
+            state.reportProblems(report, session.portName());
+            report.fail(Tool::tr("the modem is not registered (%1), so it has no cell")
+                            .arg(zelmodems::Registration::stateText(state.registration().state())),
+                        zelmodems::Failure::NotFound);
+            return;
+        }
+        QString list;
+        if (neighbourCells(modem, list)) {
             QStringList rows;
-            json.insert(QStringLiteral("cells"), cellList(list, &rows));
+            report.json().insert(QStringLiteral("cells"), cellList(list, &rows));
             report.line(Tool::tr("Cells (cell identity and LAC in hexadecimal, decimal in brackets):"));
             report.line(cellHeader());
             report.lines(rows);
@@ -438,7 +420,7 @@ Report balance(const QStringList& args)
                      hasAmount ? QString::number(amount, 'f', 2) : Tool::tr("not in the reply"));
         report.field(Tool::tr("Reply"), reply);
         report.json().insert(QStringLiteral("amount"), hasAmount ? QJsonValue(amount) : QJsonValue());
-        report.json().insert(QStringLiteral("text"), reply);
+        report.json().insert(QStringLiteral("reply"), reply);
     });
 }
 

@@ -4,6 +4,7 @@
 #include "report.h"
 #include "declaredports.h"
 #include "modemstate.h"
+#include "simidentity.h"
 
 #include "portlock.h"
 
@@ -63,13 +64,13 @@ bool ModemSession::open(const CommandLine& commandLine, Report& report)
             report.fail(Tool::tr("%1 disappeared while it was being opened").arg(m_portName), zelmodems::Failure::Gone);
             return false;
         }
-        QString why = m_modem.lastError();
-        if (why.isEmpty())
-            why = Tool::tr("no answer to AT");
-        report.fail(Tool::tr("no modem answers on %1 at %2 baud: %3")
+        // The driver's own text ("Modem is offline ...") is for the
+        // appliance's log; a person gets what happened and what to try.
+        report.fail(Tool::tr("no modem answers on %1 at %2 baud: nothing came back to AT. Check that the modem is "
+                             "powered and that %1 is its AT port (a modem may have several ports), or try another "
+                             "--baud")
                         .arg(m_portName)
-                        .arg(commandLine.baud())
-                        .arg(why), zelmodems::Failure::NoAnswer);
+                        .arg(commandLine.baud()), zelmodems::Failure::NoAnswer);
         return false;
     }
     // A refusal then says why ("+CME ERROR: 11": SIM PIN required) instead
@@ -88,9 +89,26 @@ bool ModemSession::operatorCodes(int& mcc, int& mnc, Report& report)
     mnc = 0;
     if (m_modem.getMnc(mcc, mnc))
         return true;
-    QString why = m_modem.lastError();
-    if (why.isEmpty())
-        why = Tool::tr("the SIM gives no IMSI (no SIM card, or a PIN is needed?)");
-    report.fail(Tool::tr("cannot read the SIM's operator codes on %1: %2").arg(m_portName, why), zelmodems::Failure::NoAnswer);
+    // Why there is no IMSI: the SIM says (no SIM, a PIN to enter, ...).
+    const ModemState state = ModemState::read(m_modem, ModemState::ReadSim);
+    const QList<ModemState::Problem> problems = state.problems(m_portName);
+    if (!problems.isEmpty()) {
+        const ModemState::Problem& first = problems.first();
+        report.fail(Tool::tr("cannot read the SIM's operator codes on %1: %2%3")
+                        .arg(m_portName, first.text,
+                             first.next.isEmpty() ? QString() : Tool::tr("; next: %1").arg(first.next)),
+                    zelmodems::Failure::WrongState);
+        return false;
+    }
+    const zelmodems::SimIdentity identity = zelmodems::SimIdentity::read(&m_modem);
+    report.fail(identity.failure().isFailure()
+                    ? zelmodems::Failure(identity.failure().code(),
+                                         Tool::tr("cannot read the SIM's operator codes on %1: %2")
+                                             .arg(m_portName, identity.failure().text()),
+                                         identity.failure().number())
+                    : zelmodems::Failure(zelmodems::Failure::Malformed,
+                                         Tool::tr("cannot read the SIM's operator codes on %1: the IMSI %2 names "
+                                                  "no operator")
+                                             .arg(m_portName, identity.imsi())));
     return false;
 }

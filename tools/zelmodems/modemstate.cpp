@@ -25,19 +25,20 @@ QJsonValue orNull(const QString& text)
     return text.isEmpty() ? QJsonValue() : QJsonValue(text);
 }
 
-// A hexadecimal code as the modem gave it, and in decimal: "1A2B (6699)".
+// A hexadecimal code in one form whatever the modem's padding ("00C3D4E5"
+// and "C3D4E5" are one cell), and in decimal: "C3D4E5 (12834021)".
 QString bothNotations(const QString& hex)
 {
     bool ok = false;
     const qulonglong value = hex.toULongLong(&ok, 16);
-    return ok ? QStringLiteral("%1 (%2)").arg(hex).arg(value) : hex;
+    return ok ? QStringLiteral("%1 (%2)").arg(QString::number(value, 16).toUpper()).arg(value) : hex;
 }
 
 void insertCode(QJsonObject& json, const QString& name, const QString& hex)
 {
     bool ok = false;
     const qlonglong value = hex.toLongLong(&ok, 16);
-    json.insert(name + QStringLiteral("Hex"), ok ? QJsonValue(hex) : QJsonValue());
+    json.insert(name + QStringLiteral("Hex"), ok ? QJsonValue(QString::number(value, 16).toUpper()) : QJsonValue());
     json.insert(name + QStringLiteral("Decimal"), ok ? QJsonValue(value) : QJsonValue());
 }
 
