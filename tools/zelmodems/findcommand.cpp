@@ -7,9 +7,10 @@
 #include "modemsfinder.h"
 #include "progressline.h"
 #include "declaredports.h"
-#include "simidentity.h"
 #include "modemsession.h"
 #include "atmodem.h"
+#include "modemstate.h"
+#include "report.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -117,65 +118,101 @@ QStringList tableLines(const QList<QStringList>& rows)
     return lines;
 }
 
-// Why a port gave no modem, found out after the search (its probes have
-// closed and unlocked every port): no device, a holder, silence, or a modem
-// whose SIM cannot be read. Runs on a worker thread of its own.
-QString reasonFor(const QString& device)
+// What a second look at a port finds once the search is over (its probes
+// have closed and unlocked every port): no device, a holder, silence, or a
+// modem, with the state of its SIM and registration.
+struct Diagnosis
 {
-    if (!QFileInfo::exists(device))
-        return Tool::tr("no such device");
+    bool modem = false;      // a modem answered
+    QString reason;          // why the search did not take the port
+    QString name;            // the modem's name
+    QString imei;
+    QString state;           // the modem's state in words: "ready", "SIM PIN required"
+    QJsonObject json;        // sim, registration and problems, as status gives them
+    QStringList problems;    // each with its next step
+};
+
+Diagnosis diagnose(const QString& device, const QString& port)
+{
+    Diagnosis d;
+    if (!QFileInfo::exists(device)) {
+        d.reason = Tool::tr("no such device");
+        return d;
+    }
     const QString holder = ModemSession::holderOf(device);
-    if (!holder.isEmpty())
-        return Tool::tr("in use by another program (%1)").arg(holder);
+    if (!holder.isEmpty()) {
+        d.reason = Tool::tr("in use by another program (%1)").arg(holder);
+        return d;
+    }
     {
-        QSerialPort port(device);
-        if (!port.open(QIODevice::ReadWrite))
-            return Tool::tr("cannot be opened as a serial port: %1").arg(port.errorString());
+        QSerialPort serial(device);
+        if (!serial.open(QIODevice::ReadWrite)) {
+            d.reason = Tool::tr("cannot be opened as a serial port: %1").arg(serial.errorString());
+            return d;
+        }
     }
     AtModem modem;
     if (!modem.open(device, 115200, 1)) {
-        if (!QFileInfo::exists(device))
-            return Tool::tr("the device disappeared");
-        const QString why = modem.lastError();
-        return Tool::tr("not a modem: no answer to AT at 115200 baud%1 (a modem that takes only another "
-                              "line speed: try zelmodems info --baud)")
-            .arg(why.isEmpty() ? QString() : QStringLiteral(": ") + why);
+        d.reason = QFileInfo::exists(device)
+                       ? Tool::tr("not a modem: no answer to AT at 115200 baud (a modem that takes only another "
+                                  "line speed: try zelmodems info --baud)")
+                       : Tool::tr("the device disappeared");
+        return d;
     }
-    QString imsi;
-    if (!modem.getImsi(imsi)) {
-        const QString text = zelmodems::SimIdentity::read(&modem).answer();
-        if (text.isEmpty())
-            return Tool::tr("a modem (%1) without SIM or operator: no answer to AT+CIMI").arg(modem.name());
-        return Tool::tr("a modem (%1) without SIM or operator: AT+CIMI answered \"%2\"").arg(modem.name(), text);
-    }
+    d.modem = true;
+    d.name = modem.name();
+    modem.getImei(d.imei);
+    ModemState::askForReasons(modem);
+    const ModemState state = ModemState::read(modem, ModemState::ReadSim | ModemState::ReadRegistration);
+    Report scratch;
+    state.reportSim(scratch);
+    state.reportRegistration(scratch);
+    state.reportProblems(scratch, port);
+    for (const QString& key : {QStringLiteral("sim"), QStringLiteral("registration"), QStringLiteral("problems")})
+        d.json.insert(key, scratch.json().value(key));
+    for (const ModemState::Problem& problem : state.problems(port))
+        d.problems << (problem.next.isEmpty() ? problem.text
+                                              : Tool::tr("%1; next: %2").arg(problem.text, problem.next));
+    if (!state.sim().isReady())
+        d.state = zelmodems::SimStatus::stateText(state.sim().state());
+    else
+        d.state = zelmodems::Registration::stateText(state.registration().state())
+                  + (state.isRoaming() && !state.registration().isRoaming() ? Tool::tr(" (roaming)") : QString());
     int mcc = 0;
     int mnc = 0;
-    if (!modem.getMnc(mcc, mnc))
-        return Tool::tr("a modem (%1) whose SIM's operator cannot be read (IMSI %2)").arg(modem.name(), imsi);
-    QString imei;
-    modem.getImei(imei);
-    // The found modems' IMEIs are compared with this one afterwards.
-    return Tool::tr("a modem (%1, operator %2/%3) that the search did not take; see zelmodems info\n%4")
-        .arg(modem.name())
-        .arg(mcc)
-        .arg(mnc, 2, 10, QLatin1Char('0'))
-        .arg(imei);
+    if (!state.sim().isReady())
+        d.reason = Tool::tr("a modem (%1) that cannot be used until its SIM is: %2").arg(d.name, d.state);
+    else if (!modem.getMnc(mcc, mnc))
+        d.reason = Tool::tr("a modem (%1) whose SIM names no operator (IMSI %2)").arg(d.name, state.imsi());
+    else
+        d.reason = Tool::tr("a modem (%1, operator %2/%3) that the search did not take; see zelmodems info %4")
+                       .arg(d.name)
+                       .arg(mcc)
+                       .arg(mnc, 2, 10, QLatin1Char('0'))
+                       .arg(port);
+    return d;
 }
 
-// The reasons of every port in `ports`, found in parallel.
-QMap<QString, QString> reasonsFor(const QStringList& ports, const zelmodems::DeclaredPorts* catalogue)
+// The port the state of a found modem is read on: its command port.
+QString statePort(const ModemInfo& modem)
+{
+    return modem.cmdPortName().isEmpty() ? modem.portName() : modem.cmdPortName();
+}
+
+// The diagnoses of every port in `ports`, found in parallel.
+QMap<QString, Diagnosis> diagnoses(const QStringList& ports, const zelmodems::DeclaredPorts* catalogue)
 {
     QThreadPool pool;
     pool.setMaxThreadCount(qBound(1, ports.size(), 64));
-    QMap<QString, QFuture<QString>> running;
+    QMap<QString, QFuture<Diagnosis>> running;
     for (const QString& port : ports) {
         const QString device = catalogue ? catalogue->devicePath(port) : port;
-        running.insert(port, QtConcurrent::run(&pool, reasonFor, device));
+        running.insert(port, QtConcurrent::run(&pool, diagnose, device, port));
     }
-    QMap<QString, QString> reasons;
+    QMap<QString, Diagnosis> found;
     for (auto it = running.begin(); it != running.end(); ++it)
-        reasons.insert(it.key(), it.value().result());
-    return reasons;
+        found.insert(it.key(), it.value().result());
+    return found;
 }
 
 } // namespace
@@ -257,36 +294,71 @@ Report find(const QStringList& args)
         if (!taken.contains(port))
             others << port;
     }
-    const QMap<QString, QString> reasons = reasonsFor(others, ports);
+    // The found modems' state is read too (their AT port, after the
+    // search): a modem that is found but not registered is no modem to dial.
+    QStringList statePorts;
+    for (const ModemInfo& modem : qAsConst(found))
+        statePorts << statePort(modem);
+    const QMap<QString, Diagnosis> looked = diagnoses(others + statePorts, ports);
     QJsonArray without;
+    QJsonArray unusable;
     QStringList reasonLines;
-    for (auto it = reasons.cbegin(); it != reasons.cend(); ++it) {
-        QString reason = it.value().section(QLatin1Char('\n'), 0, 0);
-        const QString imei = it.value().section(QLatin1Char('\n'), 1);
+    QStringList attentionLines;
+    for (const QString& port : qAsConst(others)) {
+        const Diagnosis d = looked.value(port);
+        QString reason = d.reason;
+        bool otherInterface = false;
         for (const ModemInfo& modem : qAsConst(found)) {
-            if (!imei.isEmpty() && modem.imei() == imei)
-                reason = Tool::tr("another interface of the modem on %1 (IMEI %2)").arg(modem.portName(), imei);
+            if (!d.imei.isEmpty() && modem.imei() == d.imei) {
+                reason = Tool::tr("another interface of the modem on %1 (IMEI %2)").arg(modem.portName(), d.imei);
+                otherInterface = true;
+            }
         }
-        without.append(QJsonObject{ { QStringLiteral("port"), it.key() }, { QStringLiteral("reason"), reason } });
-        reasonLines << QStringLiteral("  %1: %2").arg(it.key(), reason);
+        if (d.modem && !otherInterface) {
+            // A modem is a modem, whatever keeps it from working: it is
+            // listed as one, with what to do.
+            QJsonObject entry = d.json;
+            entry.insert(QStringLiteral("port"), port);
+            entry.insert(QStringLiteral("name"), d.name);
+            entry.insert(QStringLiteral("imei"), d.imei.isEmpty() ? QJsonValue() : QJsonValue(d.imei));
+            unusable.append(entry);
+            attentionLines << QStringLiteral("  %1: %2 (%3)").arg(port, d.name, d.state);
+            for (const QString& problem : d.problems.isEmpty() ? QStringList{d.reason} : d.problems)
+                attentionLines << QStringLiteral("    - %1").arg(problem);
+            continue;
+        }
+        without.append(QJsonObject{ { QStringLiteral("port"), port }, { QStringLiteral("reason"), reason } });
+        reasonLines << QStringLiteral("  %1: %2").arg(port, reason);
     }
     json.insert(QStringLiteral("withoutModem"), without);
+    json.insert(QStringLiteral("modemsNeedingAttention"), unusable);
+    const auto attention = [&]() {
+        if (attentionLines.isEmpty())
+            return;
+        report.line(Tool::tr("Modems that need attention before they can be used:"));
+        report.lines(attentionLines);
+    };
 
     if (found.isEmpty()) {
+        attention();
         if (!reasonLines.isEmpty()) {
             report.line(Tool::tr("Ports without a modem:"));
             report.lines(reasonLines);
         }
-        report.fail(Tool::tr("%1 (%2 port(s) probed in %3)")
-                        .arg(noDevices.isEmpty() ? Tool::tr("no modem found") : noDevices)
-                        .arg(names.size())
-                        .arg(seconds(elapsed)), zelmodems::Failure::NotFound);
+        // The finder's own words ("There no devices finded") are the
+        // appliance's; a person is told what was found.
+        const QString what = unusable.isEmpty()
+                                 ? Tool::tr("no modem found")
+                                 : Tool::tr("no modem is ready to use; modems that need attention: %1 (above)")
+                                       .arg(unusable.size());
+        report.fail(Tool::tr("%1 (%2 port(s) probed in %3)").arg(what).arg(names.size()).arg(seconds(elapsed)),
+                    unusable.isEmpty() ? zelmodems::Failure::NotFound : zelmodems::Failure::WrongState);
         return report;
     }
 
     QList<QStringList> rows;
     rows << QStringList{Tool::tr("PORT"),       Tool::tr("CMD PORT"), Tool::tr("BAUD"),
-                        Tool::tr("IMEI"),       Tool::tr("CONNECTION"), Tool::tr("USER"),
+                        Tool::tr("IMEI"),       Tool::tr("STATE"), Tool::tr("CONNECTION"), Tool::tr("USER"),
                         Tool::tr("BALANCE CODE"), Tool::tr("INIT")};
     QJsonArray modems;
     for (const ModemInfo& modem : qAsConst(found)) {
@@ -296,6 +368,7 @@ Report find(const QStringList& args)
                             orDash(modem.cmdPortName()),
                             QString::number(modem.baudrate()),
                             orDash(modem.imei()),
+                            orDash(looked.value(statePort(modem)).state),
                             modem.connectionName(),
                             orDash(modem.userName()),
                             orDash(modem.balanceUssd()),
@@ -303,6 +376,9 @@ Report find(const QStringList& args)
         QJsonObject record = QJsonObject::fromVariantMap(modem.toMap());
         // The record's map form leaves the IMEI out; a user wants it.
         record.insert(QStringLiteral("imei"), modem.imei());
+        const Diagnosis d = looked.value(statePort(modem));
+        for (auto it = d.json.constBegin(); it != d.json.constEnd(); ++it)
+            record.insert(it.key(), it.value());
         modems.append(record);
     }
     json.insert(QStringLiteral("modems"), modems);
@@ -312,6 +388,7 @@ Report find(const QStringList& args)
                     .arg(found.size())
                     .arg(names.size())
                     .arg(seconds(elapsed)));
+    attention();
     if (!reasonLines.isEmpty()) {
         report.line(Tool::tr("Ports without a modem:"));
         report.lines(reasonLines);
