@@ -78,7 +78,10 @@ bool OwnNumber::byUssd(const QString& code)
     digits.remove(QLatin1Char('(')).remove(QLatin1Char(')')).remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
     d->number = nationalNumberIn(digits);
     if (d->number.isEmpty())
-        return d->fail(Failure(Failure::Malformed, tr("the operator's reply held no telephone number")));
+        return d->fail(Failure(Failure::Malformed,
+                               tr("the operator's reply holds no telephone number (the network may have refused the "
+                                  "request); it said: \"%1\"")
+                                   .arg(d->source)));
     return true;
 }
 

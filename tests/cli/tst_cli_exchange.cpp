@@ -208,7 +208,7 @@ private slots:
         modem->setUssdSmsReply("*110*10#", DeliverPdu::ucs2("Beeline", now, "Vash nomer 79057654321"));
         const clitest::Result r = run({"own-number", modem->devicePath(), "--code", "*110*10#", "--sms"});
         QVERIFY2(r.exitCode == 0, r.describe());
-        QCOMPARE(r.out, QStringLiteral("Own number:   9057654321\n"));
+        QCOMPARE(r.out, QStringLiteral("Own number:   +79057654321 (national 9057654321)\n"));
         QCOMPARE(modem->storedSms().keys(), QList<int>{kept});
     }
 

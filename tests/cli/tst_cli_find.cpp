@@ -84,7 +84,7 @@ private slots:
         for (const QString& expected :
              {QStringLiteral("$ zelmodems find"), QStringLiteral("$ zelmodems info ttyUSB1"),
               QStringLiteral("Balance:      123.45"), QStringLiteral("Balance:      -15.20"),
-              QStringLiteral("Own number:   9261234567"), QStringLiteral("3 message(s) in the modem:"),
+              QStringLiteral("Own number:   +79261234567 (national 9261234567)"), QStringLiteral("3 message(s) in the modem:"),
               QStringLiteral("  Уважаемый абонент! Пакет интернета с 1 числа стоит 350 руб. Подробности на "
                              "сайте оператора."),
               QStringLiteral("Demo finished: 8 commands, all succeeded.")})

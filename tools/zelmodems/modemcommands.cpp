@@ -50,6 +50,16 @@ QString codesText(int mcc, int mnc)
     return QStringLiteral("%1/%2").arg(mcc, 3, 10, QLatin1Char('0')).arg(mnc, 2, 10, QLatin1Char('0'));
 }
 
+// A national number of ten digits in international form, for the
+// countries whose numbers the operators' replies give that way (Russia and
+// the networks that share its +7); empty where the country is not known.
+QString internationalForm(int mcc, const QString& national)
+{
+    if (national.size() == 10 && (mcc == 250 || mcc == 289 || mcc == 401))
+        return QStringLiteral("+7") + national;
+    return QString();
+}
+
 // The operator table's entry, as fields and in the JSON.
 void reportEntry(const OperatorData& entry, Report& report)
 {
@@ -532,11 +542,17 @@ Report ownNumber(const QStringList& args)
             report.fail(own.failure());
             return;
         }
-        const QString number = own.number();
-        report.field(Tool::tr("Own number"), number);
+        const QString national = own.number();
+        int mcc = 0;
+        int mnc = 0;
+        const QString international = session.modem().getMnc(mcc, mnc) ? internationalForm(mcc, national) : QString();
+        report.field(Tool::tr("Own number"), international.isEmpty()
+                                                 ? Tool::tr("%1 (national; the country code is not known)").arg(national)
+                                                 : Tool::tr("%1 (national %2)").arg(international, national));
         report.json().insert(QStringLiteral("code"), code);
         report.json().insert(QStringLiteral("fromSms"), fromSms);
-        report.json().insert(QStringLiteral("number"), number);
+        report.json().insert(QStringLiteral("number"), international.isEmpty() ? QJsonValue() : QJsonValue(international));
+        report.json().insert(QStringLiteral("nationalNumber"), national);
     });
 }
 

@@ -1,6 +1,7 @@
 // sms list, read, delete, take and send: the modem's SMS store and sending.
 #include "commandline.h"
 #include "tooltext.h"
+#include "storeuse.h"
 #include "commands.h"
 #include "interruption.h"
 #include "messagestore.h"
@@ -190,7 +191,7 @@ void show(QList<zelmodems::StoredMessage> messages, const QString& heading, Repo
         return a.time().isValid() && a.time() < b.time();
     });
     QJsonArray list;
-    report.line(messages.isEmpty() ? QStringLiteral("No messages.") : heading.arg(messages.size()));
+    report.line(messages.isEmpty() ? Tool::tr("No messages.") : heading.arg(messages.size()));
     for (const zelmodems::StoredMessage& message : messages) {
         describe(message, report);
         list.append(toJson(message));
@@ -221,17 +222,26 @@ bool deleteIndexes(ModemSession& session, const QList<int>& indexes, Report& rep
     MessageStore store(&session.modem());
     QStringList failures;
     QJsonArray deleted;
+    zelmodems::Failure last;
     for (const int index : indexes) {
         if (store.remove(index)) {
             report.line(Tool::tr("Deleted message %1.").arg(index));
             deleted.append(index);
-        } else {
-            failures << store.lastError();
+            continue;
         }
+        last = store.failure();
+        // +CMS ERROR 321: the modem has nothing at that index.
+        if (last.code() == zelmodems::Failure::CmsError && last.number() == 321)
+            failures << Tool::tr("no message at index %1 (+CMS ERROR: 321, invalid memory index; zelmodems sms list "
+                                 "shows the indexes)")
+                            .arg(index);
+        else
+            failures << Tool::tr("message %1 was not deleted: %2").arg(index).arg(store.lastError());
     }
     report.json().insert(QStringLiteral("deleted"), deleted);
     if (!failures.isEmpty()) {
-        report.fail(failures.join(QStringLiteral("; ")), zelmodems::Failure::Refused);
+        report.fail(last.isFailure() ? last : zelmodems::Failure(zelmodems::Failure::Refused, QString()),
+                    failures.join(QStringLiteral("; ")));
         return false;
     }
     return true;
@@ -275,8 +285,23 @@ Report smsList(const QStringList& args)
                                         "marks listed messages read."));
     return command.run(args, [](ModemSession& session, const CommandLine&, Report& report) {
         QList<zelmodems::StoredMessage> messages;
-        if (readStore(session, messages, report))
-            show(messages, Tool::tr("%1 message(s) in the modem:"), report);
+        if (!readStore(session, messages, report))
+            return;
+        show(messages, Tool::tr("%1 message(s) in the modem:"), report);
+        // Listing is reading: the modem marks what it lists read, so that a
+        // later look no longer tells which ones were new. Said, not hidden.
+        int unread = 0;
+        for (const zelmodems::StoredMessage& message : qAsConst(messages))
+            unread += message.status() == zelmodems::StoredPdu::Unread ? 1 : 0;
+        if (unread > 0)
+            report.line(Tool::tr("Unread messages listed: %1; the modem now marks them read.").arg(unread));
+        report.json().insert(QStringLiteral("markedRead"), unread);
+        const zelmodems::StoreUse use = zelmodems::StoreUse::read(&session.modem());
+        if (use.isReceivingFull())
+            report.line(Tool::tr("The store is full: new messages are refused until some are deleted "
+                                 "(zelmodems sms take %1, or sms delete).")
+                            .arg(session.portName()));
+        report.json().insert(QStringLiteral("storeFull"), use.isRead() ? QJsonValue(use.isReceivingFull()) : QJsonValue());
     });
 }
 
