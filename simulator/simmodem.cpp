@@ -71,6 +71,7 @@ struct SimModem::Private
     int cregMode = 0;                    // AT+CREG=<n>
     bool clip = false;                   // AT+CLIP=1
     QByteArray registration = "1,\"1A2B\",\"01C3D4E5\",7";   // <stat>,<lac>,<ci>,<AcT>
+    bool registrationSet = false;        // setRegistration() was called
     int cmee = 0;                        // AT+CMEE=<n>
     SimState sim = SimState::Ready;
     QByteArray pin = "1234";
@@ -249,7 +250,9 @@ void SimModem::setRegistration(int state, const QByteArray& lac, const QByteArra
         const QByteArray place = "\"" + lac + "\",\"" + cell + "\"," + QByteArray::number(accessTechnology);
         const bool located = state == 1 || state == 5;
         d->registration = QByteArray::number(state) + (located ? "," + place : QByteArray());
-        d->replies.remove("+CREG?");   // the profile's fixed answer gives way
+        d->registrationSet = true;
+        d->replies.remove("+CREG?");   // the profile's fixed answers give way
+        d->replies.remove("+CGREG?");
         if (d->cregMode == 1)
             report = "+CREG: " + QByteArray::number(state);
         else if (d->cregMode == 2)
@@ -980,6 +983,8 @@ Reply SimModem::Private::builtin(const QByteArray& command)
     }
     if (key == "+CREG?")
         return Reply::ok("+CREG: " + QByteArray::number(cregMode) + "," + registration);
+    if (key == "+CGREG?" && registrationSet)   // the packet domain follows the circuit-switched one
+        return Reply::ok("+CGREG: 2," + registration);
     if (key == "+CLIP=0" || key == "+CLIP=1") {
         clip = key == "+CLIP=1";
         return Reply::ok();
@@ -1124,6 +1129,8 @@ std::optional<Reply> SimModem::Private::simGate(const QByteArray& key)
         return std::nullopt;
     if (key == "+CREG?")
         return Reply::ok("+CREG: " + QByteArray::number(cregMode) + ",0");
+    if (key == "+CGREG?")
+        return Reply::ok("+CGREG: 2,0");
     if (key == "+COPS?")
         return Reply::ok("+COPS: 0");
     static const char* const NEEDS_SIM[] = {"+CIMI", "+CUSD=", "+CMGL", "+CMGR=", "+CMGD=", "+CMGS=", "+CPMS",

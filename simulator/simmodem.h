@@ -205,7 +205,7 @@ public:
     /// The registration changes (TS 27.007 `<stat>`: 1 home, 5 roaming, 3
     /// denied, 2 searching, 0 none) in area `lac` and cell `cell`: "+CREG:"
     /// as the client asked with AT+CREG=`<n>` (nothing for 0), and the answer
-    /// to AT+CREG? from now on.
+    /// to AT+CREG? and AT+CGREG? from now on.
     void setRegistration(int state, const QByteArray& lac = "1A2B", const QByteArray& cell = "01C3D4E5",
                          int accessTechnology = 7);
     /// The SIM: its state and the attempts left for the PIN and the PUK.

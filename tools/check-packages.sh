@@ -78,6 +78,7 @@ contents=(
     "$devel /cmake/ZelModemsLib/ZelModemsLibSimulatorTargets.cmake" "$devel /pkgconfig/zelmodemslib.pc"
     "$simulator /libzelmodemssim.so.$major libzelmodemssim.so.$version"
     "$tools /bin/zelmodems" "$tools /bin/modemsim" "$tools /man1/zelmodems.1" "$tools /man1/modemsim.1"
+    "$tools /zelmodems/zelmodems-output.schema.json"
     "$tools /completions/zelmodems" "$tools /completions/modemsim"
 )
 [ "$system_platform" = ON ] || contents+=("$runtime /libqt5ext.so.1 libqt5ext.so.1.0.0"
@@ -95,7 +96,7 @@ done
 dups="$(cat "$scratch"/*.files | sed 's/ -> .*//' | sort | uniq -d)"
 [ -z "$dups" ] || fail "files in two packages: $dups"
 grep -E '/include/|\.so( |$)' "$scratch/$runtime.files" && fail "$runtime carries development files"
-grep -vE '/bin/|/share/doc/|/share/man/man1/|/share/bash-completion/completions/|/zelmodems_ru\.qm' \
+grep -vE '/bin/|/share/doc/|/share/man/man1/|/share/bash-completion/completions/|/share/zelmodems/|/zelmodems_ru\.qm' \
     "$scratch/$tools.files" && fail "$tools carries files that are not its own"
 
 # The packaged tool from a scratch root, with only the packaged libraries.

@@ -48,6 +48,28 @@ inline QProcessEnvironment environment()
     return env;
 }
 
+// Every JSON output the tests make is checked against the tool's JSON
+// Schema (with Debian's python3-jsonschema): a key that changes its name
+// or type between commands or makes fails the test that produced it.
+inline void checkSchema(const QStringList& args, const QString& out)
+{
+    QProcess check;
+    check.start(QStringLiteral("python3"), {QStringLiteral(JSON_CHECK_SCRIPT), QStringLiteral(JSON_SCHEMA_PATH)});
+    if (!check.waitForStarted(10000)) {
+        QTest::qFail("cannot start python3 for the JSON Schema check", __FILE__, __LINE__);
+        return;
+    }
+    check.write(out.toUtf8());
+    check.closeWriteChannel();
+    check.waitForFinished(30000);
+    if (check.exitStatus() != QProcess::NormalExit || check.exitCode() != 0) {
+        const QByteArray why = "zelmodems " + args.join(QLatin1Char(' ')).toUtf8()
+                             + ": its JSON does not follow the schema:\n" + check.readAllStandardOutput()
+                             + check.readAllStandardError();
+        QTest::qFail(why.constData(), __FILE__, __LINE__);
+    }
+}
+
 // `outputFile`: where standard output goes instead (/dev/full, say).
 inline Result run(const QStringList& args, int timeoutMs = 30000,
                   const QProcessEnvironment& env = environment(), const QString& outputFile = QString())
@@ -68,6 +90,8 @@ inline Result run(const QStringList& args, int timeoutMs = 30000,
     result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     result.out = QString::fromUtf8(process.readAllStandardOutput());
     result.err = QString::fromUtf8(process.readAllStandardError());
+    if (args.contains(QStringLiteral("--json")) && !result.out.isEmpty())
+        checkSchema(args, result.out);
     return result;
 }
 

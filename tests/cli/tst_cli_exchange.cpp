@@ -139,15 +139,18 @@ private slots:
         watch.start(QStringLiteral(ZELMODEMS_PATH), {"watch", "--json", modem->devicePath()});
         QVERIFY(watch.waitForStarted(10000));
         QStringList seen;
+        QByteArray lines;
         // The events of the lines that came, read until `event` is among them.
         const auto waitFor = [&](const QString& event) {
             QElapsedTimer clock;
             clock.start();
             while (clock.elapsed() < 1000) {
                 while (watch.canReadLine()) {
-                    const QJsonObject line = QJsonDocument::fromJson(watch.readLine()).object();
-                    seen << line.value("event").toString() + QLatin1Char(' ')
-                                + line.value("state").toString() + line.value("text").toString();
+                    const QByteArray text = watch.readLine();
+                    lines += text;
+                    const QJsonObject line = QJsonDocument::fromJson(text).object();
+                    seen << line.value("event").toString() + QLatin1Char(' ') + line.value("state").toString()
+                                + line.value("text").toString() + line.value("reply").toString();
                 }
                 if (!seen.filter(event).isEmpty())
                     return true;
@@ -164,6 +167,7 @@ private slots:
         QVERIFY2(waitFor("ussd Your bonus"), qPrintable(seen.join('\n')));
         modem->vanish();
         QVERIFY2(waitFor("gone"), qPrintable(seen.join('\n')));
+        clitest::checkSchema({"watch", "--json"}, QString::fromUtf8(lines));
         watch.terminate();
         QVERIFY(watch.waitForFinished(5000));
         QCOMPARE(watch.exitCode(), 143);

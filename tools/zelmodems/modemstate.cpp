@@ -99,6 +99,12 @@ bool ModemState::isRoaming() const
     return r.isRoaming() || m_network.isForeignTo(m_imsi);
 }
 
+int ModemState::accessTechnology() const
+{
+    const int act = registration().accessTechnology();
+    return act >= 0 ? act : m_network.accessTechnology();
+}
+
 QString ModemState::generation(int act)
 {
     switch (act) {
@@ -263,7 +269,7 @@ QJsonObject ModemState::registrationJson() const
     insertCode(json, QStringLiteral("lac"), located ? r.area() : QString());
     insertCode(json, QStringLiteral("cid"), located ? r.cell() : QString());
     json.insert(QStringLiteral("technology"),
-                located ? orNull(Registration::technologyName(r.accessTechnology())) : QJsonValue());
+                located ? orNull(Registration::technologyName(accessTechnology())) : QJsonValue());
     QJsonObject network;
     network.insert(QStringLiteral("name"), orNull(m_network.name()));
     network.insert(QStringLiteral("numeric"), orNull(m_network.numeric()));
@@ -285,7 +291,7 @@ void ModemState::reportRegistration(Report& report) const
         if (!m_network.numeric().isEmpty())
             network += network.isEmpty() ? m_network.numeric() : QStringLiteral(" (%1)").arg(m_network.numeric());
         report.field(Tool::tr("Network"), network.isEmpty() ? Tool::tr("unknown") : network);
-        const QString technology = generation(r.accessTechnology());
+        const QString technology = generation(accessTechnology());
         report.field(Tool::tr("Technology"), technology.isEmpty() ? Tool::tr("unknown") : technology);
         report.field(Tool::tr("Serving cell"),
                      Tool::tr("LAC %1, CID %2")

@@ -49,6 +49,9 @@ public:
     zelmodems::Registration registration() const;
     bool isRegistered() const { return registration().isRegistered(); }
     bool isRoaming() const;
+    // The access technology: the registration's, else the network's
+    // (AT+COPS?); -1 when neither tells.
+    int accessTechnology() const;
     const zelmodems::NetworkOperator& network() const { return m_network; }
     const zelmodems::SignalQuality& signal() const { return m_signal; }
     const zelmodems::SignalMeasures& measures() const { return m_measures; }

@@ -78,7 +78,7 @@ void explainDeliver(const QString& hex, bool withServiceCentre, Report& report)
     json.insert(QStringLiteral("class"), orNull(sms.messageClass()));
     json.insert(QStringLiteral("partNumber"), sms.partNumber());
     json.insert(QStringLiteral("partCount"), sms.partCount());
-    json.insert(QStringLiteral("reference"), orNull(sms.concatReference()));
+    json.insert(QStringLiteral("concatReference"), orNull(sms.concatReference()));
     json.insert(QStringLiteral("destinationPort"), orNull(sms.destinationPort()));
     json.insert(QStringLiteral("originatorPort"), orNull(sms.originatorPort()));
     json.insert(QStringLiteral("lockingShiftLanguage"), sms.lockingShiftLanguage());
@@ -236,13 +236,13 @@ Report pduEncode(const QStringList& args)
         report.line(QStringLiteral("AT+CMGS=%1").arg(pdu.tpduLength()));
         report.line(pdu.toHex());
         QJsonObject part;
-        part.insert(QStringLiteral("part"), pdu.partNumber());
-        part.insert(QStringLiteral("count"), pdu.partCount());
+        part.insert(QStringLiteral("partNumber"), pdu.partNumber());
+        part.insert(QStringLiteral("partCount"), pdu.partCount());
         part.insert(QStringLiteral("tpduLength"), pdu.tpduLength());
         part.insert(QStringLiteral("pdu"), pdu.toHex());
         parts.append(part);
     }
-    report.json().insert(QStringLiteral("parts"), parts);
+    report.json().insert(QStringLiteral("pdus"), parts);
     return report;
 }
 

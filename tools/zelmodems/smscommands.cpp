@@ -389,7 +389,7 @@ Report smsSend(const QStringList& args)
             QStringList sent;
             for (int i = 0; i < sentRefs.size(); ++i)
                 sent << QStringLiteral("%1 (reference %2)").arg(i + 1).arg(sentRefs.at(i));
-            const QJsonObject object{{QStringLiteral("number"), number}, {QStringLiteral("parts"), states.size()},
+            const QJsonObject object{{QStringLiteral("number"), number}, {QStringLiteral("partCount"), states.size()},
                                      {QStringLiteral("partResults"), partResults(states, sentRefs, underWay, -1)},
                                      {QStringLiteral("interrupted"), true}, {QStringLiteral("sent"), false}};
             const QString text =
@@ -417,7 +417,7 @@ Report smsSend(const QStringList& args)
         for (const int r : sender.references())
             references.append(r);
         report.json().insert(QStringLiteral("number"), number);
-        report.json().insert(QStringLiteral("parts"), sender.partCount());
+        report.json().insert(QStringLiteral("partCount"), sender.partCount());
         report.json().insert(QStringLiteral("references"), references);
         report.json().insert(QStringLiteral("partResults"),
                              partResults(sender.partStates(), sender.references(), 0, sender.errorCode()));

@@ -4,6 +4,9 @@
 #include "console.h"
 #include "tooltext.h"
 
+#include <QJsonArray>
+#include "pdu.h"
+
 #include "declaredports.h"
 #include "modem.h"
 #include "modemerror.h"
@@ -26,6 +29,25 @@ const char* const EXPLAINED[] = {"+CMTI:", "+CMT:", "+CDSI:", "+CDS:", "+CUSD:",
 
 // Prints events one a line: time, port, event, details; or one JSON object
 // a line.
+// A registration report in the keys every command uses for it.
+QJsonObject registrationDetails(const zelmodems::Registration& r)
+{
+    using zelmodems::Registration;
+    QJsonObject json{{QStringLiteral("domain"), Registration::domainName(r.domain())},
+                     {QStringLiteral("state"), Registration::stateName(r.state())},
+                     {QStringLiteral("stateText"), Registration::stateText(r.state())},
+                     {QStringLiteral("technology"), r.accessTechnology() < 0
+                                                        ? QJsonValue()
+                                                        : QJsonValue(Registration::technologyName(r.accessTechnology()))}};
+    for (const auto& code : {qMakePair(QStringLiteral("lac"), r.area()), qMakePair(QStringLiteral("cid"), r.cell())}) {
+        bool ok = false;
+        const qlonglong value = code.second.toLongLong(&ok, 16);
+        json.insert(code.first + QStringLiteral("Hex"), ok ? QJsonValue(QString::number(value, 16).toUpper()) : QJsonValue());
+        json.insert(code.first + QStringLiteral("Decimal"), ok ? QJsonValue(value) : QJsonValue());
+    }
+    return json;
+}
+
 class EventPrinter
 {
 public:
@@ -52,25 +74,29 @@ public:
         using zelmodems::Modem;
         QObject::connect(modem, &Modem::messageReceived, modem, [this, port](const zelmodems::StoredMessage& m) {
             QStringList indexes;
-            for (int index : m.indexes())
+            QJsonArray stored;
+            for (int index : m.indexes()) {
                 indexes << QString::number(index);
+                stored.append(index);
+            }
             print(port, QStringLiteral("message"),
                   Tool::tr("from %1: %2").arg(m.address(), m.isDecoded() ? m.text() : m.problem())
                       + (indexes.isEmpty() ? QString() : Tool::tr(" (stored at %1)").arg(indexes.join(QLatin1Char(',')))),
-                  {{QStringLiteral("from"), m.address()}, {QStringLiteral("text"), m.text()},
-                   {QStringLiteral("indexes"), QJsonValue::fromVariant(QVariant::fromValue(indexes))}});
+                  {{QStringLiteral("sender"), m.address()}, {QStringLiteral("text"), m.text()},
+                   {QStringLiteral("indexes"), stored}});
         });
         QObject::connect(modem, &Modem::deliveryReported, modem, [this, port](const zelmodems::StoredMessage& r) {
             print(port, QStringLiteral("delivery-report"),
                   Tool::tr("message %1 to %2: status %3").arg(r.reportReference()).arg(r.address()).arg(r.reportStatus()),
-                  {{QStringLiteral("reference"), r.reportReference()}, {QStringLiteral("to"), r.address()},
-                   {QStringLiteral("status"), r.reportStatus()}});
+                  {{QStringLiteral("reference"), r.reportReference()}, {QStringLiteral("recipient"), r.address()},
+                   {QStringLiteral("reportStatus"), r.reportStatus()},
+                   {QStringLiteral("reportStatusText"), zelmodems::PDU::statusMeaning(r.reportStatus())}});
         });
         QObject::connect(modem, &Modem::ussdReceived, modem, [this, port](const zelmodems::UssdReply& reply) {
             print(port, QStringLiteral("ussd"),
                   reply.text + (reply.waitsForAnswer() ? Tool::tr(" (a menu: answer with zelmodems ussd)")
                                                        : QString()),
-                  {{QStringLiteral("status"), reply.status}, {QStringLiteral("text"), reply.text},
+                  {{QStringLiteral("status"), reply.status}, {QStringLiteral("reply"), reply.text},
                    {QStringLiteral("statusText"), zelmodems::UssdRequest::statusMeaning(reply.status)}});
         });
         QObject::connect(modem, &Modem::registrationChanged, modem, [this, port](const zelmodems::Registration& r) {
@@ -82,18 +108,14 @@ public:
             if (r.accessTechnology() >= 0)
                 details += QStringLiteral(", ") + Registration::technologyName(r.accessTechnology());
             print(port, QStringLiteral("registration"), details,
-                  {{QStringLiteral("domain"), Registration::domainName(r.domain())},
-                   {QStringLiteral("state"), Registration::stateName(r.state())},
-                   {QStringLiteral("area"), r.area().isEmpty() ? QJsonValue() : QJsonValue(r.area())},
-                   {QStringLiteral("cell"), r.cell().isEmpty() ? QJsonValue() : QJsonValue(r.cell())},
-                   {QStringLiteral("technology"), r.accessTechnology() < 0 ? QJsonValue()
-                                                     : QJsonValue(Registration::technologyName(r.accessTechnology()))}});
+                  registrationDetails(r));
         });
         QObject::connect(modem, &Modem::signalChanged, modem, [this, port](const zelmodems::SignalQuality& q) {
             print(port, QStringLiteral("signal"),
                   q.isKnown() ? Tool::tr("%1 dBm (%2)").arg(q.dbm()).arg(zelmodems::SignalQuality::ratingText(q.rating()))
                               : Tool::tr("unknown"),
-                  {{QStringLiteral("dbm"), q.isKnown() ? QJsonValue(q.dbm()) : QJsonValue()}});
+                  {{QStringLiteral("dbm"), q.isKnown() ? QJsonValue(q.dbm()) : QJsonValue()},
+                   {QStringLiteral("rating"), zelmodems::SignalQuality::ratingName(q.rating())}});
         });
         QObject::connect(modem, &Modem::ringing, modem, [this, port](const QString& type) {
             print(port, QStringLiteral("ring"), type.isEmpty() ? Tool::tr("incoming call") : type,
