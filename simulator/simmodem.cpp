@@ -70,8 +70,7 @@ struct SimModem::Private
     int promptDelayMs = 0;               // the "> " prompt comes this late
     int cregMode = 0;                    // AT+CREG=<n>
     bool clip = false;                   // AT+CLIP=1
-    QByteArray registration = "1,\"1A2B\",\"01C3D4E5\",7";   // <stat>,<lac>,<ci>,<AcT>
-    bool registrationSet = false;        // setRegistration() was called
+    QByteArray registration = "1,\"1A2B\",\"00C3D4E5\",7";   // <stat>,<lac>,<ci>,<AcT>
     int cmee = 0;                        // AT+CMEE=<n>
     SimState sim = SimState::Ready;
     QByteArray pin = "1234";
@@ -109,6 +108,7 @@ struct SimModem::Private
     Reply ussd(const QByteArray& command);
     Reply listSms(const QByteArray& key);
     Reply cmeError(int code) const;
+    Reply cmsError(int code) const;
     std::optional<Reply> simGate(const QByteArray& key);
     Reply simCommand(const QByteArray& key, const QByteArray& command);
     int registrationState() const;
@@ -134,6 +134,8 @@ SimModem::SimModem(const Profile& profile) : d(new Private)
 {
     d->profile = profile;
     d->echo = profile.echo;
+    if (profile.make == Make::Cinterion)
+        d->registration = "1,\"1A2B\",\"00C3D4E5\",0";   // a GSM-only module
     for (auto it = profile.answers.cbegin(); it != profile.answers.cend(); ++it)
         d->replies.insert(upper(it.key()), Reply::ok(it.value()));
 }
@@ -250,7 +252,6 @@ void SimModem::setRegistration(int state, const QByteArray& lac, const QByteArra
         const QByteArray place = "\"" + lac + "\",\"" + cell + "\"," + QByteArray::number(accessTechnology);
         const bool located = state == 1 || state == 5;
         d->registration = QByteArray::number(state) + (located ? "," + place : QByteArray());
-        d->registrationSet = true;
         d->replies.remove("+CREG?");   // the profile's fixed answers give way
         d->replies.remove("+CGREG?");
         if (d->cregMode == 1)
@@ -970,9 +971,10 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         if (state != 1 && state != 5)
             return Reply::ok("+COPS: 0");
         const QByteArray numeric = networkNumeric.isEmpty() ? profile.imsi.left(5) : networkNumeric;
-        const QByteArray act = registration.mid(registration.lastIndexOf(',') + 1);
+        const QList<QByteArray> fields = registration.split(',');
         return Reply::ok("+COPS: 0," + QByteArray::number(copsFormat) + ",\""
-                         + (copsFormat == 2 ? numeric : networkName) + "\"," + act);
+                         + (copsFormat == 2 ? numeric : networkName) + "\""
+                         + (fields.size() > 3 ? "," + fields.at(3) : QByteArray()));
     }
     if (key.startsWith("+CPIN") || key.startsWith("+CPWD=") || key == "^CPIN?" || key == "+SPIC"
         || key == "+ZPINPUK=?")
@@ -983,7 +985,7 @@ Reply SimModem::Private::builtin(const QByteArray& command)
     }
     if (key == "+CREG?")
         return Reply::ok("+CREG: " + QByteArray::number(cregMode) + "," + registration);
-    if (key == "+CGREG?" && registrationSet)   // the packet domain follows the circuit-switched one
+    if (key == "+CGREG?")   // the packet domain follows the circuit-switched one
         return Reply::ok("+CGREG: 2," + registration);
     if (key == "+CLIP=0" || key == "+CLIP=1") {
         clip = key == "+CLIP=1";
@@ -1034,12 +1036,23 @@ Reply SimModem::Private::builtin(const QByteArray& command)
         deafUntil = clock.elapsed() + restartMs;
         return Reply::ok();
     }
+    // Huawei's periodic status reports off or on, and the port that gets
+    // the unsolicited codes.
+    if ((key == "^CURC=0" || key == "^CURC=1" || key == "^PORTSEL=0" || key == "^PORTSEL=1")
+        && (profile.make == Make::Huawei || profile.make == Make::HspaDataCard))
+        return Reply::ok();
+    // ZTE's virtual CD drive (8 stops it from mounting itself) and its
+    // operating mode (5: online).
+    if ((key.startsWith("+ZCDRUN=") || key.startsWith("+ZOPRT=")) && profile.make == Make::Zte)
+        return Reply::ok();
     if (key == "^U2DIAG=0")
         return profile.make == Make::Huawei ? Reply::ok() : Reply::error();
     if (key == "+CMGF=0" || key == "+CMGF=1") {
         textMode = key == "+CMGF=1" ? 1 : 0;
         return Reply::ok();
     }
+    if (key == "+CSCS=?")
+        return Reply::ok("+CSCS: (\"IRA\",\"GSM\",\"UCS2\")");
     if (key.startsWith("+CSCS=")) {
         charset = command.mid(6);
         charset.replace('"', "");
@@ -1058,6 +1071,22 @@ Reply SimModem::Private::builtin(const QByteArray& command)
             return Reply::ok();
         return Reply::raw("\r\n+CMS ERROR: 321\r\n");   // invalid memory index
     }
+    if (key == "+CPMS=?")
+        return Reply::ok("+CPMS: (\"SM\"),(\"SM\"),(\"SM\")");
+    if (key.startsWith("+CPMS=")) {
+        // Only the SIM's store: AT+CPMS="SM"[,"SM"[,"SM"]] chooses it.
+        for (QByteArray store : key.mid(6).split(',')) {
+            store.replace('"', "");
+            if (store.trimmed() != "SM")
+                return cmsError(302);   // operation not allowed
+        }
+        const QByteArray one = QByteArray::number(sms.size()) + "," + QByteArray::number(storePlaces);
+        return Reply::ok("+CPMS: " + one + "," + one + "," + one);
+    }
+    if (key == "+CGATT?")
+        return Reply::ok("+CGATT: " + QByteArray((registrationState() == 1 || registrationState() == 5) ? "1" : "0"));
+    if (key == "+CGATT=0" || key == "+CGATT=1")
+        return Reply::ok();
     if (key == "+CPMS?") {
         const QByteArray used = QByteArray::number(sms.size());
         const QByteArray places = QByteArray::number(storePlaces);
@@ -1111,6 +1140,13 @@ Reply SimModem::Private::cmeError(int code) const
         {11, "SIM PIN required"},     {12, "SIM PUK required"},       {13, "SIM failure"},
         {16, "incorrect password"}};
     return Reply::raw("\r\n+CME ERROR: " + WORDS.value(code, QByteArray::number(code)) + "\r\n");
+}
+
+// An SMS error: "+CMS ERROR: n" (the SMS commands' codes are numbers
+// whatever AT+CMEE says, as most modems give them).
+Reply SimModem::Private::cmsError(int code) const
+{
+    return Reply::raw("\r\n+CMS ERROR: " + QByteArray::number(code) + "\r\n");
 }
 
 // <stat> of the registration now: none while the SIM is not ready.
@@ -1271,6 +1307,15 @@ Reply SimModem::Private::ussd(const QByteArray& args)
             || QByteArray::fromHex(code).toHex() != code.toLower())
             return Reply::error();
         code = Ussd::unpack(QByteArray::fromHex(code));
+    } else if (charset == "UCS2" && !code.isEmpty() && code.size() % 4 == 0
+               && QByteArray::fromHex(code).toHex() == code.toLower()) {
+        // In the UCS2 character set (AT+CSCS="UCS2") the string is UTF-16
+        // written in hexadecimal, four digits a character.
+        const QByteArray utf16 = QByteArray::fromHex(code);
+        QString text;
+        for (int i = 0; i + 1 < utf16.size(); i += 2)
+            text += QChar(ushort((uchar(utf16.at(i)) << 8) | uchar(utf16.at(i + 1))));
+        code = text.toUtf8();
     }
     ussdRequests.append(code);
     if (ussdSmsReplies.contains(code))
@@ -1279,9 +1324,19 @@ Reply SimModem::Private::ussd(const QByteArray& args)
     Reply reply = Reply::ok();
     if (presentation != "1")
         return reply;
-    const QByteArray line = ussdReplies.contains(code) ? ussdReplies.value(code) : Ussd::statusOnly(4);
+    QByteArray line = ussdReplies.contains(code) ? ussdReplies.value(code) : Ussd::statusOnly(4);
     if (line.isEmpty())
         return reply;   // the network never answers
+    const int textStart = line.indexOf('"');
+    const int textEnd = line.lastIndexOf('"');
+    if (charset == "UCS2" && !profile.ussdPacked && textStart >= 0 && textEnd > textStart && !line.endsWith(",72")) {
+        // A 7-bit reply is presented in the client's character set.
+        const QString text = QString::fromLatin1(line.mid(textStart + 1, textEnd - textStart - 1));
+        QByteArray hex;
+        for (const QChar c : text)
+            hex += QByteArray::number(c.unicode(), 16).rightJustified(4, '0').toUpper();
+        line = line.left(textStart + 1) + hex + line.mid(textEnd);
+    }
     if (ussdBeforeOk) {
         reply.bytes = "\r\n" + line + "\r\n" + reply.bytes;
     } else {

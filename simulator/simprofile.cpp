@@ -76,7 +76,6 @@ Profile Profile::forMake(Make make)
         break;
     }
     p.answers.insert("+CSQ", "+CSQ: 20,99");
-    p.answers.insert("+CREG?", "+CREG: 2,1,\"1A2B\",\"00C3D4E5\"");
     return p;
 }
 

@@ -1,5 +1,6 @@
 // The live modem's own thread: the port, the queue and the events.
 #include "modemworker_p.h"
+#include "ussdtext_p.h"
 
 #include "atmodem.h"
 #include "atmodemlog_p.h"
@@ -271,9 +272,7 @@ void ModemWorker::onUnsolicited(const QByteArray& line, const QByteArray& pdu)
         reply.status = fields.value(0).toInt(&ok);
         if (!ok)
             reply.status = -1;
-        QString text;
-        if (m_modem && m_modem->getCUSDMessage(line, text))
-            reply.text = text;
+        reply.text = ussdText(m_modem, line);
         emit ussdReceived(reply);
     } else if (line.startsWith("+CREG:") || line.startsWith("+CGREG:") || line.startsWith("+CEREG:")) {
         const Registration registration = Registration::fromUnsolicited(line);

@@ -6,6 +6,7 @@ target_sources(zelmodemslib_objects PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/storedmessage.cpp
     ${CMAKE_CURRENT_LIST_DIR}/messagestore.cpp
     ${CMAKE_CURRENT_LIST_DIR}/smssender.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/ussdtext_p.h
     ${CMAKE_CURRENT_LIST_DIR}/ussdrequest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ownnumber.cpp
     ${CMAKE_CURRENT_LIST_DIR}/modemworker_p.h

@@ -2,6 +2,7 @@
 // call, over the standards' line dialogue, with the +CUSD status read
 // instead of dropped and no byte of the reply thrown away.
 #include "ussdrequest.h"
+#include "ussdtext_p.h"
 
 #include "atmodem.h"
 #include "modemaccess_p.h"
@@ -120,9 +121,7 @@ bool UssdRequest::send(const QString& code)
     }
     const int status = statusIn(reply);
     d->status = status;
-    QString text;
-    if (modem->getCUSDMessage(reply, text))
-        d->text = text;
+    d->text = ussdText(modem, reply);
     if (status >= 0 && status <= 1)
         return true;
     // 4: the network does not offer the service; 5: it timed out; 2 and 3:

@@ -113,8 +113,9 @@ private slots:
         QCOMPARE(huawei.json().value("registration").toObject().value("lacHex").toString(), QStringLiteral("1A2B"));
         QVERIFY(!huawei.json().contains("cells"));
 
-        // The registration query refused, and no neighbour list.
+        // The registration queries refused, and no neighbour list.
         m_huawei->setFault("+CREG?", zelmodems::sim::Fault::Error);
+        m_huawei->setFault("+CGREG?", zelmodems::sim::Fault::Error);
         const clitest::Result none = run({"cells", port("huawei")});
         m_huawei->clearFaults();
         QCOMPARE(none.exitCode, 1);

@@ -228,7 +228,10 @@ void SimScript::applyOne(const QString& statement, SimModem& modem)
         } else if (p.word == QLatin1String("store-size")) {
             modem.setStoreSize(p.first.toInt());
         } else if (p.word == QLatin1String("ussd")) {
-            modem.setUssdReply(first, isLatin(p.rest) ? Ussd::plain(p.rest.toLatin1()) : Ussd::ucs2(p.rest));
+            // A make that takes the request packed presents the reply packed too.
+            modem.setUssdReply(first, !isLatin(p.rest)                ? Ussd::ucs2(p.rest)
+                                      : modem.profile().ussdPacked ? Ussd::packed(p.rest.toLatin1())
+                                                                   : Ussd::plain(p.rest.toLatin1()));
         } else if (p.word == QLatin1String("ussd-status")) {
             const Parsed status = parse(p.rest);
             const int value = status.word.toInt();
