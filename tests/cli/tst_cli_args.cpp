@@ -251,6 +251,8 @@ private slots:
         QTest::newRow("a subcommand after --json") << QStringList{"--json", "sms", ""} << "take";
         QTest::newRow("ussd's answers") << QStringList{"ussd", "--r"} << "--reply";
         QTest::newRow("watch's folder option") << QStringList{"watch", "--f"} << "--folder";
+        QTest::newRow("sim's subcommands") << QStringList{"sim", ""} << "change-pin";
+        QTest::newRow("a file after --pin-file") << QStringList{"sim", "unlock", "--pin-file", "/et"} << "/etc";
     }
     void completion()
     {
@@ -268,6 +270,50 @@ private slots:
         QVERIFY(bash.waitForFinished(10000));
         const QStringList got = QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'));
         QVERIFY2(got.contains(offered), qPrintable(got.join(QLatin1Char(' ')) + bash.readAllStandardError()));
+    }
+
+    // Every option a command's --help lists is offered after the command:
+    // completion cannot fall behind the commands.
+    void completionKnowsEveryOption()
+    {
+        const clitest::Result overview = run({"--help"});
+        QStringList commands;
+        bool listing = false;
+        for (const QString& line : overview.out.split(QLatin1Char('\n'))) {
+            if (line == QLatin1String("Commands:")) {
+                listing = true;
+            } else if (listing && line.startsWith(QLatin1String("  "))) {
+                commands << line.mid(2, 16).trimmed();
+            } else if (listing) {
+                break;
+            }
+        }
+        QVERIFY(commands.size() > 20);
+        const QRegularExpression option(QStringLiteral("^\\s+(?:-\\w, )?(--[a-z0-9-]+)"));
+        for (const QString& command : qAsConst(commands)) {
+            const QStringList words = command.split(QLatin1Char(' '));
+            const clitest::Result help = run(words + QStringList{"--help"});
+            QStringList options;
+            for (const QString& line : help.out.split(QLatin1Char('\n'))) {
+                const QRegularExpressionMatch m = option.match(line);
+                if (m.hasMatch())
+                    options << m.captured(1);
+            }
+            QVERIFY2(!options.isEmpty(), qPrintable(command));
+            QStringList quoted;
+            for (const QString& word : words + QStringList{"--"})
+                quoted << QLatin1Char('"') + word + QLatin1Char('"');
+            QProcess bash;
+            bash.start(QStringLiteral("bash"),
+                       {"-c", QStringLiteral("source '%1'; COMP_WORDS=(zelmodems %2); COMP_CWORD=%3; _zelmodems; "
+                                             "printf '%s\\n' \"${COMPREPLY[@]}\"")
+                                  .arg(QStringLiteral(ZML_COMPLETION), quoted.join(QLatin1Char(' ')))
+                                  .arg(words.size() + 1)});
+            QVERIFY(bash.waitForFinished(10000));
+            const QStringList offered = QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'));
+            for (const QString& wanted : qAsConst(options))
+                QVERIFY2(offered.contains(wanted), qPrintable(command + QLatin1String(": ") + wanted));
+        }
     }
 
     void pduExplain_data()
