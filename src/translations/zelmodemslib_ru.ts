@@ -990,6 +990,10 @@
 <context>
     <name>zelmodems::MessageStorePrivate</name>
     <message>
+        <source>the modem refused PDU mode (AT+CMGF=0): %1</source>
+        <translation>модем отказался от режима PDU (AT+CMGF=0): %1</translation>
+    </message>
+    <message>
         <source>no answer</source>
         <translation>нет ответа</translation>
     </message>
@@ -1332,6 +1336,10 @@
 <context>
     <name>zelmodems::OwnNumber</name>
     <message>
+        <source>the operator&apos;s reply holds no telephone number (the network may have refused the request); it said: &quot;%1&quot;</source>
+        <translation>в ответе оператора нет телефонного номера (сеть могла отклонить запрос); ответ: «%1»</translation>
+    </message>
+    <message>
         <source>the request %1 did not go through: %2</source>
         <translation>запрос %1 не прошёл: %2</translation>
     </message>
@@ -1643,6 +1651,18 @@
 <context>
     <name>zelmodems::Registration</name>
     <message>
+        <source>no modem given</source>
+        <translation>модем не задан</translation>
+    </message>
+    <message>
+        <source>the modem&apos;s answer to AT+%1? holds no registration state</source>
+        <translation>в ответе модема на AT+%1? нет состояния регистрации</translation>
+    </message>
+    <message>
+        <source>the modem did not report its registration (AT+%1?): %2</source>
+        <translation>модем не сообщил о регистрации (AT+%1?): %2</translation>
+    </message>
+    <message>
         <source>no report</source>
         <translation>нет сообщения</translation>
     </message>
@@ -1681,6 +1701,157 @@
     <message>
         <source>emergency calls only</source>
         <translation>только экстренные вызовы</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::NetworkOperator</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не задан</translation>
+    </message>
+    <message>
+        <source>the modem did not name its network: %1</source>
+        <translation>модем не назвал свою сеть: %1</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SignalMeasures</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не задан</translation>
+    </message>
+    <message>
+        <source>the modem did not report its measurements: %1</source>
+        <translation>модем не сообщил измерения: %1</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SimLock</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не задан</translation>
+    </message>
+    <message>
+        <source>%1 was not sent: the SIM&apos;s state is &quot;%2&quot;, not &quot;%3&quot;</source>
+        <translation>%1 не отправлен: состояние SIM-карты «%2», а не «%3»</translation>
+    </message>
+    <message>
+        <source>%1 was not sent: the modem reports one attempt left, and a wrong code would block the SIM; allow the last attempt to try it</source>
+        <translation>%1 не отправлен: модем сообщает об одной оставшейся попытке, и неверный код заблокирует SIM-карту; чтобы попробовать, разрешите последнюю попытку</translation>
+    </message>
+    <message>
+        <source>%1 was not sent: the modem reports no attempt left</source>
+        <translation>%1 не отправлен: модем сообщает, что попыток не осталось</translation>
+    </message>
+    <message>
+        <source>%1 was refused: %2</source>
+        <translation>%1 отклонён: %2</translation>
+    </message>
+    <message>
+        <source>; attempts left: %1</source>
+        <translation>; осталось попыток: %1</translation>
+    </message>
+    <message>
+        <source>the PIN</source>
+        <translation>PIN</translation>
+    </message>
+    <message>
+        <source>a PIN is 4 to 8 digits; nothing was sent</source>
+        <translation>PIN — это от 4 до 8 цифр; ничего не отправлено</translation>
+    </message>
+    <message>
+        <source>the PUK</source>
+        <translation>PUK</translation>
+    </message>
+    <message>
+        <source>a PUK is 8 digits; nothing was sent</source>
+        <translation>PUK — это 8 цифр; ничего не отправлено</translation>
+    </message>
+    <message>
+        <source>the new PIN must be 4 to 8 digits; nothing was sent</source>
+        <translation>новый PIN должен состоять из 4–8 цифр; ничего не отправлено</translation>
+    </message>
+    <message>
+        <source>the PIN change</source>
+        <translation>запрос смены PIN</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SimStatus</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не задан</translation>
+    </message>
+    <message>
+        <source>the modem did not say what its SIM waits for: %1</source>
+        <translation>модем не сказал, чего ждёт SIM-карта: %1</translation>
+    </message>
+    <message>
+        <source>the modem refused AT+CPIN? without saying why (numbered errors are off: AT+CMEE=1 turns them on)</source>
+        <translation>модем отказал в AT+CPIN?, не объяснив причины (коды ошибок выключены: их включает AT+CMEE=1)</translation>
+    </message>
+    <message>
+        <source>the modem&apos;s answer to AT+CPIN? names no SIM state: %1</source>
+        <translation>ответ модема на AT+CPIN? не называет состояния SIM-карты: %1</translation>
+    </message>
+    <message>
+        <source>ready</source>
+        <translation>готова</translation>
+    </message>
+    <message>
+        <source>SIM PIN required</source>
+        <translation>нужен PIN SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM PUK required (the PIN is blocked)</source>
+        <translation>нужен PUK SIM-карты (PIN заблокирован)</translation>
+    </message>
+    <message>
+        <source>SIM PIN2 required</source>
+        <translation>нужен PIN2 SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM PUK2 required</source>
+        <translation>нужен PUK2 SIM-карты</translation>
+    </message>
+    <message>
+        <source>the modem is locked to another SIM (PH-SIM PIN)</source>
+        <translation>модем привязан к другой SIM-карте (PH-SIM PIN)</translation>
+    </message>
+    <message>
+        <source>the modem is locked to another network</source>
+        <translation>модем привязан к другой сети</translation>
+    </message>
+    <message>
+        <source>no SIM inserted</source>
+        <translation>SIM-карта не вставлена</translation>
+    </message>
+    <message>
+        <source>the SIM does not work (SIM failure)</source>
+        <translation>SIM-карта не работает (сбой SIM)</translation>
+    </message>
+    <message>
+        <source>the SIM is still starting</source>
+        <translation>SIM-карта ещё запускается</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>неизвестно</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::StoreUse</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не задан</translation>
+    </message>
+    <message>
+        <source>the modem&apos;s answer to AT+CPMS? names no store</source>
+        <translation>ответ модема на AT+CPMS? не называет хранилища</translation>
+    </message>
+    <message>
+        <source>the modem did not say how full its message stores are: %1</source>
+        <translation>модем не сказал, насколько заполнены хранилища сообщений: %1</translation>
     </message>
 </context>
 </TS>

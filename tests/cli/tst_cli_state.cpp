@@ -303,6 +303,55 @@ private slots:
         QVERIFY2(!r.out.contains(QLatin1String("1234")) && !r.err.contains(QLatin1String("1234")), r.describe());
     }
 
+    // Under a Russian locale no line mixes the languages, and a long label
+    // keeps the space before its value.
+    void russianOutput()
+    {
+        auto ready = clitest::startModem(Make::Huawei);
+        auto locked = clitest::startModem(Make::SimCom);
+        auto empty = clitest::startModem(Make::Zte);
+        QVERIFY(ready && locked && empty);
+        locked->setSim(SimState::Pin, 2);
+        empty->setSim(SimState::NotInserted);
+        ready->storeSms(zelmodems::sim::DeliverPdu::ucs2("+79161234567", QDateTime::currentDateTime(),
+                                                          QStringLiteral("Привет")), 0);
+        QProcessEnvironment env = clitest::environment();
+        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("ru_RU.UTF-8"));
+        env.insert(QStringLiteral("QT5EXT_TRANSLATIONS_DIR"), QStringLiteral(ZML_TRANSLATIONS_DIR));
+        const QList<QStringList> commands{
+            {"info", ready->devicePath()},
+            {"status", locked->devicePath()},
+            {"status", empty->devicePath()},
+            {"sms", "list", ready->devicePath()},
+            {"sms", "delete", ready->devicePath(), "7"},
+            {"sms"},
+            {"cells", empty->devicePath()},
+            {"balance", locked->devicePath()},
+            {"find", ready->devicePath(), empty->devicePath(), locked->devicePath()},
+            {"sim", "unlock", ready->devicePath()},
+            {"info", "/nonexistent/ttyUSB9"},
+        };
+        QString all;
+        for (const QStringList& args : commands) {
+            const clitest::Result r = run(args, 30000, env);
+            QVERIFY2(r.finished, r.describe());
+            all += r.out + r.err;
+        }
+        const QRegularExpression runTogether(QStringLiteral("^[A-Za-zА-Яа-яЁё][A-Za-zА-Яа-яЁё /.()-]*:[^\\s]"),
+                                             QRegularExpression::MultilineOption);
+        QVERIFY2(!runTogether.match(all).hasMatch(), qPrintable(runTogether.match(all).captured(0) + "\n" + all));
+        QVERIFY2(all.contains(QStringLiteral("нужен PIN SIM-карты")), qPrintable(all));
+        QProcess check;
+        // The operator table's PPP user is the operator's word, not the tool's.
+        check.start(QStringLiteral("python3"),
+                    {QStringLiteral(RUSSIAN_CHECK_SCRIPT), QStringLiteral("--lines"), QStringLiteral("gdata")});
+        QVERIFY(check.waitForStarted(10000));
+        check.write(all.toUtf8());
+        check.closeWriteChannel();
+        QVERIFY(check.waitForFinished(30000));
+        QVERIFY2(check.exitCode() == 0, check.readAllStandardOutput().constData());
+    }
+
     void pinFromFile()
     {
         auto modem = clitest::startModem(Make::SimCom);

@@ -78,7 +78,7 @@ private:
 
 QString seconds(qint64 ms)
 {
-    return QString::number(ms / 1000.0, 'f', 1) + QStringLiteral(" s");
+    return Tool::tr("%1 s").arg(QString::number(ms / 1000.0, 'f', 1));
 }
 
 QString progressText(const SearchWatch& watch, qint64 elapsedMs)

@@ -326,9 +326,11 @@ void ModemState::reportSignal(Report& report) const
                                                   SignalMeasures::Rscp, SignalMeasures::EcNo}) {
         if (m_measures.has(measure))
             measures << QStringLiteral("%1 %2 %3")
-                            .arg(SignalMeasures::measureName(measure).toUpper())
+                            .arg(measure == SignalMeasures::EcNo ? QStringLiteral("Ec/No")
+                                                                 : SignalMeasures::measureName(measure).toUpper())
                             .arg(m_measures.value(measure))
-                            .arg(SignalMeasures::unit(measure));
+                            .arg(SignalMeasures::unit(measure) == QLatin1String("dBm") ? Tool::tr("dBm")
+                                                                                        : Tool::tr("dB"));
     }
     if (!measures.isEmpty())
         report.field(Tool::tr("Measures"), measures.join(QLatin1String(", ")));

@@ -11,7 +11,9 @@ void Report::line(const QString& text)
 
 void Report::field(const QString& label, const QString& value)
 {
-    m_lines << (label + QLatin1Char(':')).leftJustified(LABEL_WIDTH) + value;
+    // A label longer than the column (a translated one) still keeps a space
+    // before its value.
+    m_lines << (label + QLatin1Char(':')).leftJustified(LABEL_WIDTH - 1) + QLatin1Char(' ') + value;
 }
 
 void Report::lines(const QStringList& text)

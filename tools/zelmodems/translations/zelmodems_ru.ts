@@ -4,6 +4,453 @@
 <context>
     <name>Tool</name>
     <message>
+        <source>dBm</source>
+        <translation>дБм</translation>
+    </message>
+    <message>
+        <source>dB</source>
+        <translation>дБ</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 с</translation>
+    </message>
+    <message>
+        <source>why it is (not) online: SIM, registration, network, signal, stores, next steps</source>
+        <translation>почему модем (не) в сети: SIM, регистрация, сеть, сигнал, хранилища, что делать</translation>
+    </message>
+    <message>
+        <source>what the SIM waits for, and the attempts left</source>
+        <translation>чего ждёт SIM-карта и сколько осталось попыток</translation>
+    </message>
+    <message>
+        <source>enter the SIM&apos;s PIN (or its PUK and a new PIN)</source>
+        <translation>ввести PIN SIM-карты (или PUK и новый PIN)</translation>
+    </message>
+    <message>
+        <source>change the SIM&apos;s PIN</source>
+        <translation>сменить PIN SIM-карты</translation>
+    </message>
+    <message>
+        <source>status, unlock or change-pin</source>
+        <translation>status, unlock или change-pin</translation>
+    </message>
+    <message>
+        <source>%1 needs a subcommand: %2</source>
+        <translation>команде %1 нужна подкоманда: %2</translation>
+    </message>
+    <message>
+        <source>not a modem: no answer to AT at 115200 baud (a modem that takes only another line speed: try zelmodems info --baud)</source>
+        <translation>не модем: нет ответа на AT на скорости 115200 бод (если модем работает только на другой скорости, попробуйте zelmodems info --baud)</translation>
+    </message>
+    <message>
+        <source>%1; next: %2</source>
+        <translation>%1; что делать: %2</translation>
+    </message>
+    <message>
+        <source> (roaming)</source>
+        <translation> (роуминг)</translation>
+    </message>
+    <message>
+        <source>a modem (%1) that cannot be used until its SIM is: %2</source>
+        <translation>модем (%1), которым нельзя пользоваться, пока SIM-карта не готова: %2</translation>
+    </message>
+    <message>
+        <source>a modem (%1) whose SIM names no operator (IMSI %2)</source>
+        <translation>модем (%1), SIM-карта которого не называет оператора (IMSI %2)</translation>
+    </message>
+    <message>
+        <source>a modem (%1, operator %2/%3) that the search did not take; see zelmodems info %4</source>
+        <translation>модем (%1, оператор %2/%3), который поиск не взял; смотрите zelmodems info %4</translation>
+    </message>
+    <message>
+        <source>Modems that need attention before they can be used:</source>
+        <translation>Модемы, которым нужно внимание, прежде чем ими можно пользоваться:</translation>
+    </message>
+    <message>
+        <source>no modem is ready to use; modems that need attention: %1 (above)</source>
+        <translation>ни один модем не готов к работе; модемов, которым нужно внимание: %1 (выше)</translation>
+    </message>
+    <message>
+        <source>STATE</source>
+        <translation>СОСТОЯНИЕ</translation>
+    </message>
+    <message>
+        <source>interrupted; ports released</source>
+        <translation>прервано; порты освобождены</translation>
+    </message>
+    <message>
+        <source>terminated; ports released</source>
+        <translation>завершено; порты освобождены</translation>
+    </message>
+    <message>
+        <source>hung up; ports released</source>
+        <translation>терминал закрыт; порты освобождены</translation>
+    </message>
+    <message>
+        <source>Opens the port, identifies the modem (name and dialect) and reads its
+IMEI, the SIM&apos;s state and IMSI, MCC/MNC and operator (with the operator
+table&apos;s entry), the registration and the serving cell, the signal, the
+SIM id and the firmware revision. What the modem cannot tell is shown as
+unknown, with the reason and the next step where there is one.</source>
+        <translation>Открывает порт, опознаёт модем (имя и диалект) и читает его IMEI,
+состояние SIM-карты и IMSI, MCC/MNC и оператора (с записью таблицы
+операторов), регистрацию и обслуживающую соту, сигнал, идентификатор SIM
+и версию прошивки. Чего модем сказать не может, показано как неизвестное,
+с причиной и следующим шагом, где он есть.</translation>
+    </message>
+    <message>
+        <source>%1 at %2 baud</source>
+        <translation>%1 на скорости %2 бод</translation>
+    </message>
+    <message>
+        <source>%1 (dialect %2)</source>
+        <translation>%1 (диалект %2)</translation>
+    </message>
+    <message>
+        <source>unknown (%1)</source>
+        <translation>неизвестно (%1)</translation>
+    </message>
+    <message>
+        <source>Prints the signal level in dBm (AT+CSQ), or &quot;unknown&quot; when the modem
+cannot measure it (index 99), and the measures of AT+CESQ (or Huawei&apos;s
+^HCSQ): RSRP and RSRQ on LTE, RSCP and Ec/No on UMTS.</source>
+        <translation>Печатает уровень сигнала в дБм (AT+CSQ) или «неизвестно», когда модем
+не может его измерить (индекс 99), и измерения AT+CESQ (или ^HCSQ
+модемов Huawei): RSRP и RSRQ в LTE, RSCP и Ec/No в UMTS.</translation>
+    </message>
+    <message>
+        <source>Prints the registration and, while registered, the serving cell&apos;s area
+code and cell identity (AT+CREG, +CGREG, +CEREG: hexadecimal as the modem
+gives them, decimal in brackets), and the neighbour cells of modems that
+list them (Siemens/Cinterion: ^SMONC with levels from ^MONI/^MONP;
+SIMCOM: the packet-domain cell of AT+CGREG).</source>
+        <translation>Печатает регистрацию и, пока модем зарегистрирован, код зоны и
+идентификатор обслуживающей соты (AT+CREG, +CGREG, +CEREG: в
+шестнадцатеричном виде, как их даёт модем, в скобках десятичные), и
+соседние соты модемов, которые их перечисляют (Siemens/Cinterion: ^SMONC
+с уровнями из ^MONI/^MONP; SIMCOM: сота пакетного домена из AT+CGREG).</translation>
+    </message>
+    <message>
+        <source>the modem is not registered (%1), so it has no cell</source>
+        <translation>модем не зарегистрирован (%1), поэтому соты у него нет</translation>
+    </message>
+    <message>
+        <source>the modem did not report its registration, so its cell is unknown: %1</source>
+        <translation>модем не сообщил о регистрации, поэтому его сота неизвестна: %1</translation>
+    </message>
+    <message>
+        <source>%1 (national; the country code is not known)</source>
+        <translation>%1 (национальный; код страны неизвестен)</translation>
+    </message>
+    <message>
+        <source>%1 (national %2)</source>
+        <translation>%1 (национальный %2)</translation>
+    </message>
+    <message>
+        <source>no modem answers on %1 at %2 baud: nothing came back to AT. Check that the modem is powered and that %1 is its AT port (a modem may have several ports), or try another --baud</source>
+        <translation>на %1 на скорости %2 бод модем не отвечает: на AT ничего не пришло. Проверьте, что модем включён и что %1 — его порт для AT-команд (у модема бывает несколько портов), или попробуйте другой --baud</translation>
+    </message>
+    <message>
+        <source>cannot read the SIM&apos;s operator codes on %1: %2%3</source>
+        <translation>не удаётся прочитать коды оператора SIM-карты на %1: %2%3</translation>
+    </message>
+    <message>
+        <source>; next: %1</source>
+        <translation>; что делать: %1</translation>
+    </message>
+    <message>
+        <source>cannot read the SIM&apos;s operator codes on %1: the IMSI %2 names no operator</source>
+        <translation>не удаётся прочитать коды оператора SIM-карты на %1: IMSI %2 не называет оператора</translation>
+    </message>
+    <message>
+        <source>attempts left: %1</source>
+        <translation>осталось попыток: %1</translation>
+    </message>
+    <message>
+        <source>2G (GSM)</source>
+        <translation>2G (GSM)</translation>
+    </message>
+    <message>
+        <source>3G (UMTS)</source>
+        <translation>3G (UMTS)</translation>
+    </message>
+    <message>
+        <source>4G (LTE)</source>
+        <translation>4G (LTE)</translation>
+    </message>
+    <message>
+        <source>5G (NR)</source>
+        <translation>5G (NR)</translation>
+    </message>
+    <message>
+        <source>no SIM card in the modem</source>
+        <translation>в модеме нет SIM-карты</translation>
+    </message>
+    <message>
+        <source>insert a SIM (with the modem unplugged), then: %1</source>
+        <translation>вставьте SIM-карту (отключив модем), затем: %1</translation>
+    </message>
+    <message>
+        <source>SIM PIN required</source>
+        <translation>нужен PIN SIM-карты</translation>
+    </message>
+    <message>
+        <source>SIM PIN required (%1)</source>
+        <translation>нужен PIN SIM-карты (%1)</translation>
+    </message>
+    <message>
+        <source>the PIN is blocked; the SIM asks for its PUK</source>
+        <translation>PIN заблокирован; SIM-карта просит PUK</translation>
+    </message>
+    <message>
+        <source>the PIN is blocked; the SIM asks for its PUK (%1)</source>
+        <translation>PIN заблокирован; SIM-карта просит PUK (%1)</translation>
+    </message>
+    <message>
+        <source>find the PUK on the SIM&apos;s card or ask the operator, then: %1</source>
+        <translation>найдите PUK на пластиковой карте SIM или узнайте его у оператора, затем: %1</translation>
+    </message>
+    <message>
+        <source>enter it with a phone; the modem&apos;s own services need only the PIN</source>
+        <translation>введите его в телефоне; самому модему нужен только PIN</translation>
+    </message>
+    <message>
+        <source>ask the modem&apos;s seller for its unlock code, or use the SIM it was sold with</source>
+        <translation>попросите у продавца модема код разблокировки или используйте SIM-карту, с которой он продан</translation>
+    </message>
+    <message>
+        <source>try the SIM in another modem or phone; if it fails there too, ask the operator for a new one</source>
+        <translation>попробуйте SIM-карту в другом модеме или телефоне; если и там не работает, попросите у оператора новую</translation>
+    </message>
+    <message>
+        <source>wait a few seconds, then: %1</source>
+        <translation>подождите несколько секунд, затем: %1</translation>
+    </message>
+    <message>
+        <source>the SIM&apos;s state is unknown: %1</source>
+        <translation>состояние SIM-карты неизвестно: %1</translation>
+    </message>
+    <message>
+        <source>ask the operator whether the SIM&apos;s contract is active and allows this network</source>
+        <translation>узнайте у оператора, действует ли договор SIM-карты и разрешает ли он эту сеть</translation>
+    </message>
+    <message>
+        <source>wait a minute; if it stays so, check the antenna and the coverage, then: %1</source>
+        <translation>подождите минуту; если ничего не изменится, проверьте антенну и покрытие, затем: %1</translation>
+    </message>
+    <message>
+        <source>not registered, and not searching</source>
+        <translation>не зарегистрирован и сеть не ищет</translation>
+    </message>
+    <message>
+        <source>the radio may be off or the network chosen by hand: AT+CFUN=1 turns the radio on, AT+COPS=0 chooses automatically</source>
+        <translation>радиочасть может быть выключена или сеть выбрана вручную: AT+CFUN=1 включает радиочасть, AT+COPS=0 включает автоматический выбор</translation>
+    </message>
+    <message>
+        <source>the registration is unknown</source>
+        <translation>регистрация неизвестна</translation>
+    </message>
+    <message>
+        <source>check the antenna and the coverage, then: %1</source>
+        <translation>проверьте антенну и покрытие, затем: %1</translation>
+    </message>
+    <message>
+        <source>the network does not accept this SIM: ask the operator</source>
+        <translation>сеть не принимает эту SIM-карту: обратитесь к оператору</translation>
+    </message>
+    <message>
+        <source>the modem measures no signal</source>
+        <translation>модем не измеряет сигнал</translation>
+    </message>
+    <message>
+        <source>check that the antenna is connected</source>
+        <translation>проверьте, подключена ли антенна</translation>
+    </message>
+    <message>
+        <source>weak signal (%1 dBm)</source>
+        <translation>слабый сигнал (%1 дБм)</translation>
+    </message>
+    <message>
+        <source>move the modem or its antenna (a window, higher up, a USB extension cable)</source>
+        <translation>переставьте модем или его антенну (к окну, повыше, на USB-удлинитель)</translation>
+    </message>
+    <message>
+        <source>the SMS store is full: new messages are refused until one is deleted</source>
+        <translation>хранилище SMS заполнено: новые сообщения не принимаются, пока какое-нибудь не удалено</translation>
+    </message>
+    <message>
+        <source>read and delete them: %1</source>
+        <translation>прочитайте и удалите их: %1</translation>
+    </message>
+    <message>
+        <source>SIM</source>
+        <translation>SIM</translation>
+    </message>
+    <message>
+        <source> (roaming: the network is not the SIM&apos;s own)</source>
+        <translation> (роуминг: сеть не своя для SIM-карты)</translation>
+    </message>
+    <message>
+        <source>Registration</source>
+        <translation>Регистрация</translation>
+    </message>
+    <message>
+        <source>Technology</source>
+        <translation>Технология</translation>
+    </message>
+    <message>
+        <source>LAC %1, CID %2</source>
+        <translation>LAC %1, CID %2</translation>
+    </message>
+    <message>
+        <source>Measures</source>
+        <translation>Измерения</translation>
+    </message>
+    <message>
+        <source>%1: %2 of %3</source>
+        <translation>%1: %2 из %3</translation>
+    </message>
+    <message>
+        <source> (full)</source>
+        <translation> (заполнено)</translation>
+    </message>
+    <message>
+        <source>SMS stores</source>
+        <translation>Хранилища SMS</translation>
+    </message>
+    <message>
+        <source>What keeps it from working, and what to do:</source>
+        <translation>Что мешает работе и что делать:</translation>
+    </message>
+    <message>
+        <source>next:</source>
+        <translation>что делать:</translation>
+    </message>
+    <message>
+        <source>no %1 given (type it when asked, or give it on standard input or with --pin-file); nothing was sent</source>
+        <translation>%1 не введён (введите его, когда спросят, или подайте на стандартный ввод или через --pin-file); ничего не отправлено</translation>
+    </message>
+    <message>
+        <source>the new PIN again</source>
+        <translation>новый PIN ещё раз</translation>
+    </message>
+    <message>
+        <source>the two new PINs differ; nothing was sent</source>
+        <translation>два новых PIN не совпадают; ничего не отправлено</translation>
+    </message>
+    <message>
+        <source>--record would write the SIM&apos;s codes into the recording; record another command</source>
+        <translation>--record записал бы коды SIM-карты в запись; записывайте другую команду</translation>
+    </message>
+    <message>
+        <source>Read the codes from FILE, one a line in the order they are asked for (without it: typed without echo at a terminal, or standard input).</source>
+        <translation>Читать коды из FILE, по одному в строке, в порядке запроса (без этого: ввод без отображения в терминале или стандартный ввод).</translation>
+    </message>
+    <message>
+        <source>Try the code even when the modem reports one attempt left (a wrong code then blocks the SIM).</source>
+        <translation>Пробовать код, даже когда модем сообщает об одной оставшейся попытке (неверный код тогда заблокирует SIM-карту).</translation>
+    </message>
+    <message>
+        <source> (--last-attempt tries it)</source>
+        <translation> (--last-attempt пробует его)</translation>
+    </message>
+    <message>
+        <source>; the PIN is now blocked: zelmodems sim unlock --puk %1</source>
+        <translation>; теперь PIN заблокирован: zelmodems sim unlock --puk %1</translation>
+    </message>
+    <message>
+        <source>Answers &quot;why is it not online?&quot; in one screen: the SIM (and the attempts
+left for its PIN), the registration and roaming, the network, the access
+technology, the signal with a word for its quality, how full the SMS
+stores are, and for each problem found the next step to take.</source>
+        <translation>Отвечает на вопрос «почему модем не в сети?» на одном экране: SIM-карта
+(и оставшиеся попытки ввода PIN), регистрация и роуминг, сеть, технология
+доступа, сигнал с оценкой качества, заполненность хранилищ SMS, а для
+каждой найденной проблемы — следующий шаг.</translation>
+    </message>
+    <message>
+        <source>Nothing keeps it from working.</source>
+        <translation>Работе ничто не мешает.</translation>
+    </message>
+    <message>
+        <source>Prints what the SIM waits for (AT+CPIN?: ready, PIN, PUK, no SIM, ...) and
+the attempts left for the PIN and the PUK where the modem tells them.</source>
+        <translation>Печатает, чего ждёт SIM-карта (AT+CPIN?: готова, PIN, PUK, нет SIM, ...), и
+оставшиеся попытки ввода PIN и PUK, если модем их сообщает.</translation>
+    </message>
+    <message>
+        <source>Enters the SIM&apos;s PIN; with --puk, the PUK and a new PIN. The codes are
+typed without echo at a terminal, or read from standard input or from
+--pin-file, never from the command line. Nothing is sent when the modem
+reports one attempt left, unless --last-attempt; nothing is retried.</source>
+        <translation>Вводит PIN SIM-карты; с --puk — PUK и новый PIN. Коды вводятся без
+отображения в терминале или читаются со стандартного ввода или из
+--pin-file, но никогда не из командной строки. Когда модем сообщает об
+одной оставшейся попытке, ничего не отправляется без --last-attempt;
+повторных попыток нет.</translation>
+    </message>
+    <message>
+        <source>The PIN is blocked: enter the PUK and a new PIN.</source>
+        <translation>PIN заблокирован: ввести PUK и новый PIN.</translation>
+    </message>
+    <message>
+        <source>the SIM waits for no %1 (it is &quot;%2&quot;); nothing was sent</source>
+        <translation>SIM-карта не ждёт %1 (её состояние: «%2»); ничего не отправлено</translation>
+    </message>
+    <message>
+        <source>: zelmodems sim unlock --puk %1</source>
+        <translation>: zelmodems sim unlock --puk %1</translation>
+    </message>
+    <message>
+        <source>the new PIN</source>
+        <translation>новый PIN</translation>
+    </message>
+    <message>
+        <source>The PUK was accepted and the new PIN set.</source>
+        <translation>PUK принят, новый PIN установлен.</translation>
+    </message>
+    <message>
+        <source>The PIN was accepted.</source>
+        <translation>PIN принят.</translation>
+    </message>
+    <message>
+        <source>Changes the PIN of a SIM that is ready (AT+CPWD): the PIN now, then the new
+one, typed without echo at a terminal (the new one twice), or read from
+standard input or --pin-file. A wrong PIN costs an attempt.</source>
+        <translation>Меняет PIN готовой SIM-карты (AT+CPWD): сначала нынешний PIN, затем новый;
+вводятся без отображения в терминале (новый дважды) или читаются со
+стандартного ввода или из --pin-file. Неверный PIN стоит попытки.</translation>
+    </message>
+    <message>
+        <source>the PIN now</source>
+        <translation>нынешний PIN</translation>
+    </message>
+    <message>
+        <source>The PIN was changed.</source>
+        <translation>PIN изменён.</translation>
+    </message>
+    <message>
+        <source>No messages.</source>
+        <translation>Сообщений нет.</translation>
+    </message>
+    <message>
+        <source>no message at index %1 (+CMS ERROR: 321, invalid memory index; zelmodems sms list shows the indexes)</source>
+        <translation>сообщения с номером %1 нет (+CMS ERROR: 321, неверный номер ячейки; номера показывает zelmodems sms list)</translation>
+    </message>
+    <message>
+        <source>message %1 was not deleted: %2</source>
+        <translation>сообщение %1 не удалено: %2</translation>
+    </message>
+    <message>
+        <source>Unread messages listed: %1; the modem now marks them read.</source>
+        <translation>Показано непрочитанных сообщений: %1; модем теперь помечает их прочитанными.</translation>
+    </message>
+    <message>
+        <source>The store is full: new messages are refused until some are deleted (zelmodems sms take %1, or sms delete).</source>
+        <translation>Хранилище заполнено: новые сообщения не принимаются, пока часть не удалена (zelmodems sms take %1 или sms delete).</translation>
+    </message>
+    <message>
         <source>no serial modem yet: waiting for one to be plugged in</source>
         <translation>последовательных модемов пока нет: ждём подключения</translation>
     </message>
