@@ -237,6 +237,37 @@ private slots:
         QCOMPARE(ussd.status(), 0);
         QVERIFY(!sim.commands().contains("I"));
     }
+
+    // A Huawei presents the reply as it takes the request: packed in GSM
+    // 7-bit septets, in hexadecimal. Our request gives the text; other
+    // makes' replies and UCS2 are read as they were.
+    void packedReplies_data()
+    {
+        QTest::addColumn<Make>("make");
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("huawei packed") << Make::Huawei << Ussd::packed("Balance 12.50 rub") << "Balance 12.50 rub";
+        // Seven characters fill seven octets but for one bit: the CR pad.
+        QTest::newRow("huawei, padding CR") << Make::Huawei
+                                            << QByteArray("+CUSD: 0,\"")
+                                                   + Ussd::pack("Balans7\r").toHex().toUpper() + "\",15"
+                                            << "Balans7";
+        QTest::newRow("huawei plain text") << Make::Huawei << Ussd::plain("Balans 7 r.") << "Balans 7 r.";
+        QTest::newRow("huawei UCS2") << Make::Huawei << Ussd::ucs2(QStringLiteral("Баланс")) << "Баланс";
+        QTest::newRow("huawei 8-bit data stays") << Make::Huawei << QByteArray("+CUSD: 0,\"C2303B\",68") << "C2303B";
+        QTest::newRow("cinterion hex-looking text") << Make::Cinterion << Ussd::plain("C2303B") << "C2303B";
+    }
+    void packedReplies()
+    {
+        QFETCH(Make, make);
+        QFETCH(QByteArray, line);
+        QFETCH(QString, text);
+        ZML_OPEN(make);
+        sim.setUssdReply("*100#", line);
+        zelmodems::UssdRequest ussd(&modem);
+        QVERIFY2(ussd.send(QStringLiteral("*100#")), qPrintable(ussd.lastError()));
+        QCOMPARE(ussd.text(), text);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestUssd)
