@@ -10,7 +10,6 @@
 #include "modemsession.h"
 #include "atmodem.h"
 #include "modemstate.h"
-#include "report.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -164,12 +163,9 @@ Diagnosis diagnose(const QString& device, const QString& port)
     modem.getImei(d.imei);
     ModemState::askForReasons(modem);
     const ModemState state = ModemState::read(modem, ModemState::ReadSim | ModemState::ReadRegistration);
-    Report scratch;
-    state.reportSim(scratch);
-    state.reportRegistration(scratch);
-    state.reportProblems(scratch, port);
-    for (const QString& key : {QStringLiteral("sim"), QStringLiteral("registration"), QStringLiteral("problems")})
-        d.json.insert(key, scratch.json().value(key));
+    d.json.insert(QStringLiteral("sim"), state.simJson());
+    d.json.insert(QStringLiteral("registration"), state.registrationJson());
+    d.json.insert(QStringLiteral("problems"), state.problemsJson(port));
     for (const ModemState::Problem& problem : state.problems(port))
         d.problems << (problem.next.isEmpty() ? problem.text
                                               : Tool::tr("%1; next: %2").arg(problem.text, problem.next));

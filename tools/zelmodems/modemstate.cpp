@@ -61,7 +61,8 @@ ModemState ModemState::read(AtModem& modem, int parts)
     state.m_parts = parts;
     // The SIM decides what else can be read: a modem without one is not
     // registered, however its registration report reads.
-    state.m_sim = SimStatus::read(&modem);
+    if (parts & (ReadSim | ReadRegistration | ReadStores))
+        state.m_sim = SimStatus::read(&modem);
     if (state.m_sim.isReady() && (parts & (ReadSim | ReadRegistration)))
         state.m_imsi = zelmodems::SimIdentity::read(&modem).imsi();
     if (parts & ReadRegistration) {
@@ -140,7 +141,8 @@ QList<ModemState::Problem> ModemState::problems(const QString& port) const
 {
     QList<Problem> found;
     const QString again = QStringLiteral("zelmodems status %1").arg(port);
-    switch (m_sim.state()) {
+    const bool simRead = m_parts & (ReadSim | ReadRegistration | ReadStores);
+    switch (simRead ? m_sim.state() : SimStatus::Ready) {
     case SimStatus::Ready:
         break;
     case SimStatus::NotInserted:
@@ -232,14 +234,14 @@ QList<ModemState::Problem> ModemState::problems(const QString& port) const
     return found;
 }
 
-QJsonObject ModemState::simJson() const
+QJsonObject ModemState::simJson(const SimStatus& sim, const QString& imsi)
 {
     QJsonObject json;
-    json.insert(QStringLiteral("state"), SimStatus::stateName(m_sim.state()));
-    json.insert(QStringLiteral("stateText"), SimStatus::stateText(m_sim.state()));
-    json.insert(QStringLiteral("pinAttempts"), orNull(m_sim.pinAttempts()));
-    json.insert(QStringLiteral("pukAttempts"), orNull(m_sim.pukAttempts()));
-    json.insert(QStringLiteral("imsi"), orNull(m_imsi));
+    json.insert(QStringLiteral("state"), SimStatus::stateName(sim.state()));
+    json.insert(QStringLiteral("stateText"), SimStatus::stateText(sim.state()));
+    json.insert(QStringLiteral("pinAttempts"), orNull(sim.pinAttempts()));
+    json.insert(QStringLiteral("pukAttempts"), orNull(sim.pukAttempts()));
+    json.insert(QStringLiteral("imsi"), orNull(imsi));
     return json;
 }
 
@@ -361,9 +363,18 @@ void ModemState::reportStores(Report& report) const
     report.json().insert(QStringLiteral("stores"), m_stores.isRead() ? QJsonValue(stores) : QJsonValue());
 }
 
-void ModemState::reportProblems(Report& report, const QString& port) const
+QJsonArray ModemState::problemsJson(const QString& port) const
 {
     QJsonArray problems;
+    for (const Problem& problem : this->problems(port))
+        problems.append(QJsonObject{{QStringLiteral("code"), problem.code},
+                                    {QStringLiteral("text"), problem.text},
+                                    {QStringLiteral("next"), orNull(problem.next)}});
+    return problems;
+}
+
+void ModemState::reportProblems(Report& report, const QString& port) const
+{
     const QList<Problem> found = this->problems(port);
     if (!found.isEmpty()) {
         report.line();
@@ -373,9 +384,6 @@ void ModemState::reportProblems(Report& report, const QString& port) const
         report.line(QStringLiteral("  - %1").arg(problem.text));
         if (!problem.next.isEmpty())
             report.line(QStringLiteral("    %1 %2").arg(Tool::tr("next:"), problem.next));
-        problems.append(QJsonObject{{QStringLiteral("code"), problem.code},
-                                    {QStringLiteral("text"), problem.text},
-                                    {QStringLiteral("next"), orNull(problem.next)}});
     }
-    report.json().insert(QStringLiteral("problems"), problems);
+    report.json().insert(QStringLiteral("problems"), problemsJson(port));
 }

@@ -6,6 +6,7 @@
 #include "simstatus.h"
 #include "storeuse.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -69,9 +70,12 @@ public:
     void reportProblems(Report& report, const QString& port) const;
 
     // The shared JSON objects on their own (find's list of modems).
-    QJsonObject simJson() const;
+    QJsonObject simJson() const { return simJson(m_sim, m_imsi); }
     QJsonObject registrationJson() const;
     QJsonObject signalJson() const;
+    QJsonArray problemsJson(const QString& port) const;
+    // A SIM's state as the "sim" object (after a code was entered).
+    static QJsonObject simJson(const zelmodems::SimStatus& sim, const QString& imsi);
 
     // "2G (GSM)", "4G (LTE)" for an access technology; empty for -1.
     static QString generation(int accessTechnology);

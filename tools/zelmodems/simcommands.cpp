@@ -165,14 +165,7 @@ void reportCode(SimLock& lock, bool done, const QString& doneText, const QString
         report.json().insert(QStringLiteral("done"), false);
     }
     report.field(Tool::tr("SIM"), SimStatus::stateText(after.state()));
-    QJsonObject sim{{QStringLiteral("state"), SimStatus::stateName(after.state())},
-                    {QStringLiteral("stateText"), SimStatus::stateText(after.state())},
-                    {QStringLiteral("pinAttempts"),
-                     after.pinAttempts() < 0 ? QJsonValue() : QJsonValue(after.pinAttempts())},
-                    {QStringLiteral("pukAttempts"),
-                     after.pukAttempts() < 0 ? QJsonValue() : QJsonValue(after.pukAttempts())},
-                    {QStringLiteral("imsi"), QJsonValue()}};
-    report.json().insert(QStringLiteral("sim"), sim);
+    report.json().insert(QStringLiteral("sim"), ModemState::simJson(after, QString()));
     if (done)
         return;
     const zelmodems::Failure why = lock.failure();
