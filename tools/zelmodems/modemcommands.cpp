@@ -74,18 +74,6 @@ void reportEntry(const OperatorData& entry, Report& report)
     report.json().insert(QStringLiteral("operatorTable"), QJsonObject::fromVariantMap(entry.toMap()));
 }
 
-// The network's name (AT+COPS?), or "unknown".
-void reportNetwork(AtModem& modem, Report& report)
-{
-    QString network;
-    if (modem.getOperator(network)) {
-        report.field(Tool::tr("Network"), network);
-        report.json().insert(QStringLiteral("operator"), network);
-    } else {
-        report.field(Tool::tr("Network"), Tool::tr("unknown"));
-    }
-}
-
 // A text that may hold a NUL (an odd-length SIM number keeps one where a
 // digit is missing), made printable.
 QString printable(QString text)
@@ -378,7 +366,8 @@ Report operatorInfo(const QStringList& args)
         json.insert(QStringLiteral("mnc"), mnc);
         report.field(Tool::tr("MCC/MNC"), codesText(mcc, mnc));
 
-        reportNetwork(session.modem(), report);
+        // The network the modem is on, as every command names it.
+        ModemState::read(session.modem(), ModemState::ReadRegistration).reportRegistration(report);
         OperatorData entry;
         if (tableEntry(mcc, mnc, entry)) {
             reportEntry(entry, report);
