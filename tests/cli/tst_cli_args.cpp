@@ -19,6 +19,23 @@ class TestCliArgs : public QObject
 {
     Q_OBJECT
 
+    // What bash's completion offers for the last of `words` (after "zelmodems").
+    static QStringList completions(const QStringList& words)
+    {
+        QStringList quoted;
+        for (const QString& word : words)
+            quoted << QLatin1Char('"') + word + QLatin1Char('"');
+        QProcess bash;
+        bash.start(QStringLiteral("bash"),
+                   {"-c", QStringLiteral("source '%1'; COMP_WORDS=(zelmodems %2); COMP_CWORD=%3; _zelmodems; "
+                                         "printf '%s\\n' \"${COMPREPLY[@]}\"")
+                              .arg(QStringLiteral(ZML_COMPLETION), quoted.join(QLatin1Char(' ')))
+                              .arg(words.size())});
+        if (!bash.waitForFinished(10000))
+            return {QStringLiteral("(bash did not finish)")};
+        return QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'));
+    }
+
 private slots:
     // Every command has its help, and the overview lists it.
     void help()
@@ -258,18 +275,8 @@ private slots:
     {
         QFETCH(QStringList, words);
         QFETCH(QString, offered);
-        QStringList quoted;
-        for (const QString& word : words)
-            quoted << QLatin1Char('"') + word + QLatin1Char('"');
-        QProcess bash;
-        bash.start(QStringLiteral("bash"),
-                   {"-c", QStringLiteral("source '%1'; COMP_WORDS=(zelmodems %2); COMP_CWORD=%3; _zelmodems; "
-                                         "printf '%s\\n' \"${COMPREPLY[@]}\"")
-                              .arg(QStringLiteral(ZML_COMPLETION), quoted.join(QLatin1Char(' ')))
-                              .arg(words.size())});
-        QVERIFY(bash.waitForFinished(10000));
-        const QStringList got = QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'));
-        QVERIFY2(got.contains(offered), qPrintable(got.join(QLatin1Char(' ')) + bash.readAllStandardError()));
+        const QStringList got = completions(words);
+        QVERIFY2(got.contains(offered), qPrintable(got.join(QLatin1Char(' '))));
     }
 
     // Every option a command's --help lists is offered after the command:
@@ -300,17 +307,7 @@ private slots:
                     options << m.captured(1);
             }
             QVERIFY2(!options.isEmpty(), qPrintable(command));
-            QStringList quoted;
-            for (const QString& word : words + QStringList{"--"})
-                quoted << QLatin1Char('"') + word + QLatin1Char('"');
-            QProcess bash;
-            bash.start(QStringLiteral("bash"),
-                       {"-c", QStringLiteral("source '%1'; COMP_WORDS=(zelmodems %2); COMP_CWORD=%3; _zelmodems; "
-                                             "printf '%s\\n' \"${COMPREPLY[@]}\"")
-                                  .arg(QStringLiteral(ZML_COMPLETION), quoted.join(QLatin1Char(' ')))
-                                  .arg(words.size() + 1)});
-            QVERIFY(bash.waitForFinished(10000));
-            const QStringList offered = QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'));
+            const QStringList offered = completions(words + QStringList{"--"});
             for (const QString& wanted : qAsConst(options))
                 QVERIFY2(offered.contains(wanted), qPrintable(command + QLatin1String(": ") + wanted));
         }
