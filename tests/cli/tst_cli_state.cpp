@@ -4,6 +4,7 @@
 // checked against the schema by the fixture.
 #include "clifixture.h"
 
+#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QTemporaryFile>
 
@@ -350,6 +351,35 @@ private slots:
         check.closeWriteChannel();
         QVERIFY(check.waitForFinished(30000));
         QVERIFY2(check.exitCode() == 0, check.readAllStandardOutput().constData());
+    }
+
+    // On a terminal the PIN is asked for and typed without echo: what the
+    // terminal shows holds the prompt, never the digits.
+    void pinTypedWithoutEcho()
+    {
+        auto modem = clitest::startModem(Make::Huawei);
+        QVERIFY(modem);
+        modem->setSim(SimState::Pin, 3);
+        QProcess terminal;
+        terminal.setProcessEnvironment(clitest::environment());
+        terminal.start(QStringLiteral("script"),
+                       {"-qec", QStringLiteral("%1 sim unlock %2").arg(ZELMODEMS_PATH, modem->devicePath()),
+                        "/dev/null"});
+        QVERIFY(terminal.waitForStarted(10000));
+        QByteArray seen;
+        QElapsedTimer clock;
+        clock.start();
+        while (!seen.contains("PIN:") && clock.elapsed() < 10000) {
+            terminal.waitForReadyRead(100);
+            seen += terminal.readAllStandardOutput();
+        }
+        QVERIFY2(seen.contains("PIN:"), seen.constData());
+        terminal.write("1234\n");
+        QVERIFY(terminal.waitForFinished(15000));
+        seen += terminal.readAllStandardOutput();
+        QVERIFY2(seen.contains("The PIN was accepted."), seen.constData());
+        QVERIFY2(!seen.contains("1234"), seen.constData());
+        QCOMPARE(int(modem->simState()), int(SimState::Ready));
     }
 
     void pinFromFile()
