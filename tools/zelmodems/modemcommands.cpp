@@ -235,10 +235,12 @@ Report info(const QStringList& args)
         const ModemState state = ModemState::read(modem);
         state.reportSim(report);
         const QString imsi = state.imsi();
+        // Without an IMSI, the SIM's state is the reason when it has one.
+        const bool reason = !state.sim().isReady() && state.sim().state() != zelmodems::SimStatus::NotRead;
         report.field(Tool::tr("IMSI"), !imsi.isEmpty() ? imsi
-                                       : state.sim().isReady() ? unknown
-                                                               : Tool::tr("unknown (%1)").arg(
-                                                                     zelmodems::SimStatus::stateText(state.sim().state())));
+                                       : reason ? Tool::tr("unknown (%1)").arg(
+                                                      zelmodems::SimStatus::stateText(state.sim().state()))
+                                                : unknown);
 
         int mcc = 0;
         int mnc = 0;
