@@ -155,6 +155,9 @@ private slots:
                                       .arg(silent->devicePath())),
                  r.describe());
         QCOMPARE(r.json().value("exitStatus").toInt(), 1);
+        // What to check next, in the tool's words, not the driver's.
+        QVERIFY2(r.err.contains("Check that the modem is powered") && !r.err.contains("offline pn port"),
+                 r.describe());
     }
 };
 
