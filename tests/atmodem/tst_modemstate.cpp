@@ -191,6 +191,8 @@ private slots:
         QVERIFY(!lock.unlock(QStringLiteral("1234")));
         QCOMPARE(lock.failure().code(), Failure::WrongState);
 
+        QVERIFY(!lock.changePin(QStringLiteral("12"), QStringLiteral("4321")));
+        QCOMPARE(lock.failure().code(), Failure::BadInput);
         QVERIFY(!lock.changePin(QStringLiteral("0000"), QStringLiteral("4321")));
         QCOMPARE(lock.failure().code(), Failure::CmeError);
         QCOMPARE(lock.failure().number(), 16);
@@ -284,6 +286,8 @@ private slots:
                                     << "rssi=-60 rsrp=-85 rsrq=-9 sinr=10.2";
         QTest::newRow("huawei wcdma") << QByteArray("^HCSQ: \"WCDMA\",50,40,30") << "UMTS"
                                       << "rssi=-71 rscp=-81 ecno=-17.5";
+        QTest::newRow("huawei tops") << QByteArray("^HCSQ: \"LTE\",96,97,251,34") << "LTE"
+                                     << "rssi=-25 rsrp=-44 rsrq=-3 sinr=30.2";
         QTest::newRow("huawei unknowns") << QByteArray("^HCSQ: \"LTE\",255,255,255,255") << "LTE" << "";
         QTest::newRow("huawei no service") << QByteArray("^HCSQ: \"NOSERVICE\"") << "" << "";
     }
