@@ -215,6 +215,10 @@ private slots:
                                                  << "no message at index 7 (+CMS ERROR: 321, invalid memory index";
         QTest::newRow("sms delete, JSON number") << int(Setup::Healthy) << QStringList{"sms", "delete", "7", "--json"}
                                                  << 1 << "\"errorNumber\": 321";
+        // A code without a reply gets "+CUSD: 4" from the simulated network.
+        QTest::newRow("own-number refused by the network") << int(Setup::Healthy) << QStringList{"own-number"} << 1
+                                                           << "the request *205# did not go through: The network "
+                                                              "answered with status 4: operation not supported";
         QTest::newRow("sms list marks read") << int(Setup::FullStore) << QStringList{"sms", "list"} << 0
                                              << "Unread messages listed: 1; the modem now marks them read.\nThe "
                                                 "store is full: new messages are refused until some are deleted";
