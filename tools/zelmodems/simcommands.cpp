@@ -94,9 +94,8 @@ public:
 private:
     static QString typed(const QString& prompt)
     {
-        QTextStream err(stderr);
-        err << prompt << ": ";
-        err.flush();
+        // The echo goes off before the prompt shows: what is typed as soon
+        // as the prompt appears is never echoed.
         termios saved = {};
         const bool quiet = ::tcgetattr(STDIN_FILENO, &saved) == 0;
         if (quiet) {
@@ -105,6 +104,9 @@ private:
             Interruption::restoreTerminalOnInterrupt(&saved);
             ::tcsetattr(STDIN_FILENO, TCSANOW, &silent);
         }
+        QTextStream err(stderr);
+        err << prompt << ": ";
+        err.flush();
         std::string line;
         if (!std::getline(std::cin, line))
             line.clear();
