@@ -1,7 +1,6 @@
 // The numbered errors of TS 27.007 and 27.005 in words.
 #include "modemerror.h"
 
-#include "smssender.h"
 
 namespace zelmodems {
 
@@ -67,7 +66,68 @@ QString ModemError::cmeMeaning(int code)
 
 QString ModemError::cmsMeaning(int code)
 {
-    return SmsSender::errorMeaning(code);
+    switch (code) {
+    // Network causes (TS 24.011 8.2.5.4) and TP-FCS (TS 23.040 9.2.3.22).
+    case 1: return tr("unassigned (unallocated) number");
+    case 8: return tr("operator determined barring");
+    case 10: return tr("call barred");
+    case 21: return tr("short message transfer rejected");
+    case 27: return tr("destination out of service");
+    case 28: return tr("unidentified subscriber");
+    case 29: return tr("facility rejected");
+    case 30: return tr("unknown subscriber");
+    case 38: return tr("network out of order");
+    case 41: return tr("temporary failure");
+    case 42: return tr("congestion");
+    case 47: return tr("resources unavailable");
+    case 50: return tr("requested facility not subscribed");
+    case 69: return tr("requested facility not implemented");
+    case 81: return tr("invalid short message transfer reference value");
+    case 95: return tr("invalid message");
+    case 96: return tr("invalid mandatory information");
+    case 97: return tr("message type non-existent or not implemented");
+    case 98: return tr("message not compatible with short message protocol state");
+    case 99: return tr("information element non-existent or not implemented");
+    case 111: return tr("protocol error");
+    case 127: return tr("interworking error");
+    case 128: return tr("telematic interworking not supported");
+    case 176: return tr("TPDU not supported");
+    case 192: return tr("SC busy");
+    case 193: return tr("no SC subscription");
+    case 194: return tr("SC system failure");
+    case 195: return tr("invalid SME address");
+    case 196: return tr("destination SME barred");
+    case 208: return tr("SIM SMS storage full");
+    case 255: return tr("unspecified error cause");
+    // TS 27.005 3.2.5.
+    case 300: return tr("ME failure");
+    case 301: return tr("SMS service of ME reserved");
+    case 302: return tr("operation not allowed");
+    case 303: return tr("operation not supported");
+    case 304: return tr("invalid PDU mode parameter");
+    case 305: return tr("invalid text mode parameter");
+    case 310: return tr("SIM not inserted");
+    case 311: return tr("SIM PIN required");
+    case 312: return tr("PH-SIM PIN required");
+    case 313: return tr("SIM failure");
+    case 314: return tr("SIM busy");
+    case 315: return tr("SIM wrong");
+    case 316: return tr("SIM PUK required");
+    case 317: return tr("SIM PIN2 required");
+    case 318: return tr("SIM PUK2 required");
+    case 320: return tr("memory failure");
+    case 321: return tr("invalid memory index");
+    case 322: return tr("memory full");
+    case 330: return tr("SMSC address unknown");
+    case 331: return tr("no network service");
+    case 332: return tr("network timeout");
+    case 340: return tr("no +CNMA acknowledgement expected");
+    case 500: return tr("unknown error");
+    default: break;
+    }
+    if (code >= 512)
+        return tr("manufacturer specific");
+    return tr("unknown cause");
 }
 
 QString ModemError::meaning(const QByteArray& finalCode)

@@ -1032,6 +1032,123 @@
         <source>part %1 of %2 not confirmed within %3 s — it may still arrive; check before sending again: %4%5</source>
         <translation>часть %1 из %2 не подтверждена за %3 с — она может ещё дойти; проверьте, прежде чем отправлять снова: %4%5</translation>
     </message>
+</context>
+<context>
+    <name>zelmodems::SmsSenderPrivate</name>
+    <message>
+        <source> (parts 1 to %1 were sent, references %2)</source>
+        <translation> (части с 1 по %1 отправлены, номера %2)</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::LineChannel</name>
+    <message>
+        <source>cancelled</source>
+        <translation>отменено</translation>
+    </message>
+    <message>
+        <source>the modem waits for message text</source>
+        <translation>модем ждёт текст сообщения</translation>
+    </message>
+    <message>
+        <source>no answer within %1 ms</source>
+        <translation>нет ответа за %1 мс</translation>
+    </message>
+    <message>
+        <source>the port closed (the modem was unplugged or reset)</source>
+        <translation>порт закрылся (модем отключили или он перезапустился)</translation>
+    </message>
+    <message>
+        <source>the answer ran past %1 bytes without a result code: not a modem&apos;s answer</source>
+        <translation>ответ превысил %1 байт без кода результата: это не ответ модема</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::PortCatalogue</name>
+    <message>
+        <source>no such port: %1</source>
+        <translation>нет такого порта: %1</translation>
+    </message>
+    <message>
+        <source>%1 is in use by another program (%2)</source>
+        <translation>%1 занят другой программой (%2)</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SignalQuality</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не указан</translation>
+    </message>
+    <message>
+        <source>the modem did not report the signal level: %1</source>
+        <translation>модем не сообщил уровень сигнала: %1</translation>
+    </message>
+    <message>
+        <source>the modem did not report the signal level: no +CSQ in its answer</source>
+        <translation>модем не сообщил уровень сигнала: в ответе нет +CSQ</translation>
+    </message>
+    <message>
+        <source>excellent</source>
+        <translation>отличный</translation>
+    </message>
+    <message>
+        <source>good</source>
+        <translation>хороший</translation>
+    </message>
+    <message>
+        <source>fair</source>
+        <translation>средний</translation>
+    </message>
+    <message>
+        <source>poor</source>
+        <translation>слабый</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>неизвестен</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::OwnNumber</name>
+    <message>
+        <source>the operator&apos;s reply holds no telephone number (the network may have refused the request); it said: &quot;%1&quot;</source>
+        <translation>в ответе оператора нет телефонного номера (сеть могла отклонить запрос); ответ: «%1»</translation>
+    </message>
+    <message>
+        <source>the request %1 did not go through: %2</source>
+        <translation>запрос %1 не прошёл: %2</translation>
+    </message>
+    <message>
+        <source>the operator&apos;s reply held no telephone number</source>
+        <translation>в ответе оператора нет номера телефона</translation>
+    </message>
+    <message>
+        <source>cannot list the stored messages: %1</source>
+        <translation>не удаётся получить список сохранённых сообщений: %1</translation>
+    </message>
+    <message>
+        <source>the operator&apos;s message %1 stays on the modem: %2</source>
+        <translation>сообщение оператора %1 остаётся в модеме: %2</translation>
+    </message>
+    <message>
+        <source>no message with a telephone number came within %1 s of %2</source>
+        <translation>за %1 с после %2 не пришло сообщение с номером телефона</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::SimIdentity</name>
+    <message>
+        <source>no modem given</source>
+        <translation>модем не указан</translation>
+    </message>
+    <message>
+        <source>the modem gave no IMSI: %1</source>
+        <translation>модем не сообщил IMSI: %1</translation>
+    </message>
+</context>
+<context>
+    <name>zelmodems::ModemError</name>
     <message>
         <source>unassigned (unallocated) number</source>
         <translation>номер не назначен</translation>
@@ -1165,14 +1282,6 @@
         <translation>служба SMS модема зарезервирована</translation>
     </message>
     <message>
-        <source>operation not allowed</source>
-        <translation>операция не разрешена</translation>
-    </message>
-    <message>
-        <source>operation not supported</source>
-        <translation>операция не поддерживается</translation>
-    </message>
-    <message>
         <source>invalid PDU mode parameter</source>
         <translation>неверный параметр режима PDU</translation>
     </message>
@@ -1181,198 +1290,21 @@
         <translation>неверный параметр текстового режима</translation>
     </message>
     <message>
-        <source>SIM not inserted</source>
-        <translation>SIM-карта не вставлена</translation>
-    </message>
-    <message>
-        <source>SIM PIN required</source>
-        <translation>нужен PIN SIM-карты</translation>
-    </message>
-    <message>
-        <source>PH-SIM PIN required</source>
-        <translation>нужен PIN PH-SIM</translation>
-    </message>
-    <message>
-        <source>SIM failure</source>
-        <translation>сбой SIM-карты</translation>
-    </message>
-    <message>
-        <source>SIM busy</source>
-        <translation>SIM-карта занята</translation>
-    </message>
-    <message>
-        <source>SIM wrong</source>
-        <translation>неподходящая SIM-карта</translation>
-    </message>
-    <message>
-        <source>SIM PUK required</source>
-        <translation>нужен PUK SIM-карты</translation>
-    </message>
-    <message>
-        <source>SIM PIN2 required</source>
-        <translation>нужен PIN2 SIM-карты</translation>
-    </message>
-    <message>
-        <source>SIM PUK2 required</source>
-        <translation>нужен PUK2 SIM-карты</translation>
-    </message>
-    <message>
-        <source>memory failure</source>
-        <translation>сбой памяти</translation>
-    </message>
-    <message>
         <source>invalid memory index</source>
         <translation>неверный индекс памяти</translation>
-    </message>
-    <message>
-        <source>memory full</source>
-        <translation>память заполнена</translation>
     </message>
     <message>
         <source>SMSC address unknown</source>
         <translation>адрес SMS-центра неизвестен</translation>
     </message>
     <message>
-        <source>no network service</source>
-        <translation>нет обслуживания сети</translation>
-    </message>
-    <message>
-        <source>network timeout</source>
-        <translation>тайм-аут сети</translation>
-    </message>
-    <message>
         <source>no +CNMA acknowledgement expected</source>
         <translation>подтверждение +CNMA не ожидается</translation>
-    </message>
-    <message>
-        <source>unknown error</source>
-        <translation>неизвестная ошибка</translation>
-    </message>
-    <message>
-        <source>manufacturer specific</source>
-        <translation>ошибка, определённая производителем</translation>
     </message>
     <message>
         <source>unknown cause</source>
         <translation>неизвестная причина</translation>
     </message>
-</context>
-<context>
-    <name>zelmodems::SmsSenderPrivate</name>
-    <message>
-        <source> (parts 1 to %1 were sent, references %2)</source>
-        <translation> (части с 1 по %1 отправлены, номера %2)</translation>
-    </message>
-</context>
-<context>
-    <name>zelmodems::LineChannel</name>
-    <message>
-        <source>cancelled</source>
-        <translation>отменено</translation>
-    </message>
-    <message>
-        <source>the modem waits for message text</source>
-        <translation>модем ждёт текст сообщения</translation>
-    </message>
-    <message>
-        <source>no answer within %1 ms</source>
-        <translation>нет ответа за %1 мс</translation>
-    </message>
-    <message>
-        <source>the port closed (the modem was unplugged or reset)</source>
-        <translation>порт закрылся (модем отключили или он перезапустился)</translation>
-    </message>
-    <message>
-        <source>the answer ran past %1 bytes without a result code: not a modem&apos;s answer</source>
-        <translation>ответ превысил %1 байт без кода результата: это не ответ модема</translation>
-    </message>
-</context>
-<context>
-    <name>zelmodems::PortCatalogue</name>
-    <message>
-        <source>no such port: %1</source>
-        <translation>нет такого порта: %1</translation>
-    </message>
-    <message>
-        <source>%1 is in use by another program (%2)</source>
-        <translation>%1 занят другой программой (%2)</translation>
-    </message>
-</context>
-<context>
-    <name>zelmodems::SignalQuality</name>
-    <message>
-        <source>no modem given</source>
-        <translation>модем не указан</translation>
-    </message>
-    <message>
-        <source>the modem did not report the signal level: %1</source>
-        <translation>модем не сообщил уровень сигнала: %1</translation>
-    </message>
-    <message>
-        <source>the modem did not report the signal level: no +CSQ in its answer</source>
-        <translation>модем не сообщил уровень сигнала: в ответе нет +CSQ</translation>
-    </message>
-    <message>
-        <source>excellent</source>
-        <translation>отличный</translation>
-    </message>
-    <message>
-        <source>good</source>
-        <translation>хороший</translation>
-    </message>
-    <message>
-        <source>fair</source>
-        <translation>средний</translation>
-    </message>
-    <message>
-        <source>poor</source>
-        <translation>слабый</translation>
-    </message>
-    <message>
-        <source>unknown</source>
-        <translation>неизвестен</translation>
-    </message>
-</context>
-<context>
-    <name>zelmodems::OwnNumber</name>
-    <message>
-        <source>the operator&apos;s reply holds no telephone number (the network may have refused the request); it said: &quot;%1&quot;</source>
-        <translation>в ответе оператора нет телефонного номера (сеть могла отклонить запрос); ответ: «%1»</translation>
-    </message>
-    <message>
-        <source>the request %1 did not go through: %2</source>
-        <translation>запрос %1 не прошёл: %2</translation>
-    </message>
-    <message>
-        <source>the operator&apos;s reply held no telephone number</source>
-        <translation>в ответе оператора нет номера телефона</translation>
-    </message>
-    <message>
-        <source>cannot list the stored messages: %1</source>
-        <translation>не удаётся получить список сохранённых сообщений: %1</translation>
-    </message>
-    <message>
-        <source>the operator&apos;s message %1 stays on the modem: %2</source>
-        <translation>сообщение оператора %1 остаётся в модеме: %2</translation>
-    </message>
-    <message>
-        <source>no message with a telephone number came within %1 s of %2</source>
-        <translation>за %1 с после %2 не пришло сообщение с номером телефона</translation>
-    </message>
-</context>
-<context>
-    <name>zelmodems::SimIdentity</name>
-    <message>
-        <source>no modem given</source>
-        <translation>модем не указан</translation>
-    </message>
-    <message>
-        <source>the modem gave no IMSI: %1</source>
-        <translation>модем не сообщил IMSI: %1</translation>
-    </message>
-</context>
-<context>
-    <name>zelmodems::ModemError</name>
     <message>
         <source>phone failure</source>
         <translation>сбой телефона</translation>

@@ -199,6 +199,9 @@ private slots:
         QVERIFY(!sender.unconfirmed());
         QCOMPARE(sender.errorCode(), code);
         QVERIFY2(sender.lastError().contains(error), qPrintable(sender.lastError()));
+        // The refusal's meaning is said once.
+        if (code >= 0)
+            QCOMPARE(sender.lastError().count(SmsSender::errorMeaning(code)), 1);
         QCOMPARE(int(sender.failure().code()), failure);
         QCOMPARE(sender.failure().number(), code);
         sim.waitUntilQuiet();

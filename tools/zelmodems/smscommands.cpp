@@ -5,6 +5,7 @@
 #include "commands.h"
 #include "interruption.h"
 #include "messagestore.h"
+#include "modemerror.h"
 #include "pdu.h"
 #include "modemcommand.h"
 #include "modemsession.h"
@@ -232,9 +233,9 @@ bool deleteIndexes(ModemSession& session, const QList<int>& indexes, Report& rep
         last = store.failure();
         // +CMS ERROR 321: the modem has nothing at that index.
         if (last.code() == zelmodems::Failure::CmsError && last.number() == 321)
-            failures << Tool::tr("no message at index %1 (+CMS ERROR: 321, invalid memory index; zelmodems sms list "
-                                 "shows the indexes)")
-                            .arg(index);
+            failures << Tool::tr("no message at index %1 (+CMS ERROR: 321, %2; zelmodems sms list shows the indexes)")
+                            .arg(index)
+                            .arg(zelmodems::ModemError::cmsMeaning(321));
         else
             failures << Tool::tr("message %1 was not deleted: %2").arg(index).arg(store.lastError());
     }

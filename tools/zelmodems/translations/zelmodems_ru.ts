@@ -435,8 +435,8 @@ standard input or --pin-file. A wrong PIN costs an attempt.</source>
         <translation>Сообщений нет.</translation>
     </message>
     <message>
-        <source>no message at index %1 (+CMS ERROR: 321, invalid memory index; zelmodems sms list shows the indexes)</source>
-        <translation>сообщения с номером %1 нет (+CMS ERROR: 321, неверный номер ячейки; номера показывает zelmodems sms list)</translation>
+        <source>no message at index %1 (+CMS ERROR: 321, %2; zelmodems sms list shows the indexes)</source>
+        <translation>сообщения с номером %1 нет (+CMS ERROR: 321, %2; номера показывает zelmodems sms list)</translation>
     </message>
     <message>
         <source>message %1 was not deleted: %2</source>
