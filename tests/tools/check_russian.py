@@ -77,27 +77,34 @@ def check_catalogue(path):
     return problems
 
 
-def translated_sources(paths):
+def translated_texts(paths):
+    """(context, source) of every translated message: Qt looks a text up
+    in its class's context, so a text moved to another class needs its
+    translation there."""
     texts = set()
     for path in paths:
-        for message in ET.parse(path).getroot().iter("message"):
-            translation = message.find("translation")
-            if translation is not None and translation.get("type") not in ("unfinished", "obsolete", "vanished"):
-                texts.add(message.findtext("source") or "")
+        for context in ET.parse(path).getroot().iter("context"):
+            name = context.findtext("name")
+            for message in context.iter("message"):
+                translation = message.find("translation")
+                if translation is not None and translation.get("type") not in ("unfinished", "obsolete", "vanished"):
+                    texts.add((name, message.findtext("source") or ""))
     return texts
 
 
 def untranslated(lupdate, folders, catalogues):
-    """Texts in the sources (as lupdate reads them) that no catalogue translates."""
+    """Texts in the sources (as lupdate reads them) that no catalogue translates in their context."""
     files = [f for folder in folders for f in sorted(glob.glob(os.path.join(folder, "*.cpp"))
                                                       + glob.glob(os.path.join(folder, "*.h")))]
     with tempfile.TemporaryDirectory() as scratch:
         found = os.path.join(scratch, "found.ts")
         subprocess.run([lupdate, "-silent", *files, "-ts", found], check=True, capture_output=True)
-        known = translated_sources(catalogues)
-        return [f"not in the catalogues: {message.findtext('source')!r}"
-                for message in ET.parse(found).getroot().iter("message")
-                if (message.findtext("source") or "") not in known]
+        known = translated_texts(catalogues)
+        return [f"not in the catalogues: {name}: {message.findtext('source')!r}"
+                for context in ET.parse(found).getroot().iter("context")
+                for name in [context.findtext("name")]
+                for message in context.iter("message")
+                if (name, message.findtext("source") or "") not in known]
 
 
 def main():
