@@ -133,29 +133,14 @@ bool sendUssd(AtModem& modem, const QString& code, QString& reply, Report& repor
     return false;
 }
 
-// A cell identity or location area code, shown in both notations ("1A2B
-// (6699)") and given in JSON as <name>Decimal and <name>Hex; -1: unknown.
-QString codeText(qlonglong value)
-{
-    return value < 0 ? Tool::tr("unknown")
-                     : QStringLiteral("%1 (%2)").arg(QString::number(value, 16).toUpper()).arg(value);
-}
-
-void insertCode(QJsonObject& json, const QString& name, qlonglong value)
-{
-    json.insert(name + QStringLiteral("Decimal"), value < 0 ? QJsonValue() : QJsonValue(value));
-    json.insert(name + QStringLiteral("Hex"),
-                value < 0 ? QJsonValue() : QJsonValue(QString::number(value, 16).toUpper()));
-}
-
 QJsonObject cellJson(const zelmodems::CellRecord& cell)
 {
     const auto orNull = [](qlonglong v) { return v < 0 ? QJsonValue() : QJsonValue(v); };
     QJsonObject o;
     o.insert(QStringLiteral("mcc"), orNull(cell.mcc()));
     o.insert(QStringLiteral("mnc"), orNull(cell.mnc()));
-    insertCode(o, QStringLiteral("cid"), cell.cellId());
-    insertCode(o, QStringLiteral("lac"), cell.areaCode());
+    ModemState::insertCode(o, QStringLiteral("cid"), cell.cellId());
+    ModemState::insertCode(o, QStringLiteral("lac"), cell.areaCode());
     o.insert(QStringLiteral("rxlev"), orNull(cell.rxlev()));
     QJsonArray levels;
     for (const qlonglong level : cell.levels())
@@ -172,8 +157,8 @@ QString cellRow(const zelmodems::CellRecord& cell)
         levels << QString::number(level);
     return QStringLiteral("  %1 %2 %3 %4 %5 %6")
         .arg(text(cell.mcc()).leftJustified(4), text(cell.mnc()).leftJustified(4),
-             (cell.cellId() < 0 ? QStringLiteral("-") : codeText(cell.cellId())).leftJustified(16),
-             (cell.areaCode() < 0 ? QStringLiteral("-") : codeText(cell.areaCode())).leftJustified(14),
+             (cell.cellId() < 0 ? QStringLiteral("-") : ModemState::codeText(cell.cellId())).leftJustified(16),
+             (cell.areaCode() < 0 ? QStringLiteral("-") : ModemState::codeText(cell.areaCode())).leftJustified(14),
              text(cell.rxlev()).leftJustified(6), levels.join(QLatin1Char(' ')));
 }
 

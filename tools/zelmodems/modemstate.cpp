@@ -1,6 +1,7 @@
 #include "modemstate.h"
 
 #include "atmodem.h"
+#include "cellrecord.h"
 #include "report.h"
 #include "simidentity.h"
 #include "tooltext.h"
@@ -25,21 +26,10 @@ QJsonValue orNull(const QString& text)
     return text.isEmpty() ? QJsonValue() : QJsonValue(text);
 }
 
-// A hexadecimal code in one form whatever the modem's padding ("00C3D4E5"
-// and "C3D4E5" are one cell), and in decimal: "C3D4E5 (12834021)".
-QString bothNotations(const QString& hex)
+// A hexadecimal code of a registration report; -1 when there is none.
+qlonglong hexCode(const QString& hex)
 {
-    bool ok = false;
-    const qulonglong value = hex.toULongLong(&ok, 16);
-    return ok ? QStringLiteral("%1 (%2)").arg(QString::number(value, 16).toUpper()).arg(value) : hex;
-}
-
-void insertCode(QJsonObject& json, const QString& name, const QString& hex)
-{
-    bool ok = false;
-    const qlonglong value = hex.toLongLong(&ok, 16);
-    json.insert(name + QStringLiteral("Hex"), ok ? QJsonValue(QString::number(value, 16).toUpper()) : QJsonValue());
-    json.insert(name + QStringLiteral("Decimal"), ok ? QJsonValue(value) : QJsonValue());
+    return zelmodems::CellRecord::parseNumber(hex, 16);
 }
 
 QString attemptsText(int attempts)
@@ -48,6 +38,18 @@ QString attemptsText(int attempts)
 }
 
 } // namespace
+
+QString ModemState::codeText(qlonglong value)
+{
+    return value < 0 ? Tool::tr("unknown")
+                     : QStringLiteral("%1 (%2)").arg(QString::number(value, 16).toUpper()).arg(value);
+}
+
+void ModemState::insertCode(QJsonObject& json, const QString& name, qlonglong value)
+{
+    json.insert(name + QStringLiteral("Hex"), value < 0 ? QJsonValue() : QJsonValue(QString::number(value, 16).toUpper()));
+    json.insert(name + QStringLiteral("Decimal"), value < 0 ? QJsonValue() : QJsonValue(value));
+}
 
 void ModemState::askForReasons(AtModem& modem)
 {
@@ -268,8 +270,8 @@ QJsonObject ModemState::registrationJson() const
     json.insert(QStringLiteral("roaming"), isRoaming());
     // Area and cell only mean something while registered: a denied or
     // searching modem's report holds none (or stale ones).
-    insertCode(json, QStringLiteral("lac"), located ? r.area() : QString());
-    insertCode(json, QStringLiteral("cid"), located ? r.cell() : QString());
+    insertCode(json, QStringLiteral("lac"), located ? hexCode(r.area()) : -1);
+    insertCode(json, QStringLiteral("cid"), located ? hexCode(r.cell()) : -1);
     json.insert(QStringLiteral("technology"),
                 located ? orNull(Registration::technologyName(accessTechnology())) : QJsonValue());
     QJsonObject network;
@@ -296,9 +298,7 @@ void ModemState::reportRegistration(Report& report) const
         const QString technology = generation(accessTechnology());
         report.field(Tool::tr("Technology"), technology.isEmpty() ? Tool::tr("unknown") : technology);
         report.field(Tool::tr("Serving cell"),
-                     Tool::tr("LAC %1, CID %2")
-                         .arg(r.area().isEmpty() ? Tool::tr("unknown") : bothNotations(r.area()),
-                              r.cell().isEmpty() ? Tool::tr("unknown") : bothNotations(r.cell())));
+                     Tool::tr("LAC %1, CID %2").arg(codeText(hexCode(r.area())), codeText(hexCode(r.cell()))));
     }
     report.json().insert(QStringLiteral("registration"), registrationJson());
 }

@@ -79,6 +79,12 @@ public:
 
     // "2G (GSM)", "4G (LTE)" for an access technology; empty for -1.
     static QString generation(int accessTechnology);
+    // A cell identity or location area code in both notations, one form
+    // whatever the modem's padding ("C3D4E5 (12834021)"); "unknown" for -1.
+    static QString codeText(qlonglong value);
+    // The same in JSON: <name>Hex (upper case, unpadded) and <name>Decimal,
+    // null for -1.
+    static void insertCode(QJsonObject& json, const QString& name, qlonglong value);
     // The AT+CSQ level for a person: "-73 dBm (good)", or why it is unknown.
     static QString signalText(const zelmodems::SignalQuality& signal);
 

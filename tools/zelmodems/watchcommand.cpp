@@ -11,6 +11,8 @@
 #include "modem.h"
 #include "modemerror.h"
 #include "modemwatcher.h"
+#include "modemstate.h"
+#include "cellrecord.h"
 #include "ussdrequest.h"
 
 #include <QDateTime>
@@ -39,12 +41,8 @@ QJsonObject registrationDetails(const zelmodems::Registration& r)
                      {QStringLiteral("technology"), r.accessTechnology() < 0
                                                         ? QJsonValue()
                                                         : QJsonValue(Registration::technologyName(r.accessTechnology()))}};
-    for (const auto& code : {qMakePair(QStringLiteral("lac"), r.area()), qMakePair(QStringLiteral("cid"), r.cell())}) {
-        bool ok = false;
-        const qlonglong value = code.second.toLongLong(&ok, 16);
-        json.insert(code.first + QStringLiteral("Hex"), ok ? QJsonValue(QString::number(value, 16).toUpper()) : QJsonValue());
-        json.insert(code.first + QStringLiteral("Decimal"), ok ? QJsonValue(value) : QJsonValue());
-    }
+    ModemState::insertCode(json, QStringLiteral("lac"), zelmodems::CellRecord::parseNumber(r.area(), 16));
+    ModemState::insertCode(json, QStringLiteral("cid"), zelmodems::CellRecord::parseNumber(r.cell(), 16));
     return json;
 }
 
